@@ -1,0 +1,17 @@
+# SPDX-License-Identifier: LGPL-2.1-or-later
+include(CMakePackageConfigHelpers)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/GenericUtilities)
+configure_package_config_file(cmake/GenericUtilitiesConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/cmake/GenericUtilitiesConfig.cmake
+  INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/cmake/GenericUtilitiesConfigVersion.cmake
+  COMPATIBILITY SameMajorVersion)
+install(FILES
+  ${PROJECT_BINARY_DIR}/cmake/GenericUtilitiesConfig.cmake
+  ${PROJECT_BINARY_DIR}/cmake/GenericUtilitiesConfigVersion.cmake
+  DESTINATION ${package_dir})
+install(EXPORT GenericUtilitiesTargets NAMESPACE GenericUtilities:: DESTINATION ${package_dir})
+
+configure_file(cmake/GenericUtilities.pc.in ${PROJECT_BINARY_DIR}/cmake/GenericUtilities.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/cmake/GenericUtilities.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
