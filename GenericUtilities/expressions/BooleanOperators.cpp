@@ -133,12 +133,7 @@ void BooleanOperator::print(QTextStream& out, PrintStyle style) const
         return;
     Junction const* const row = junction(m_op);
     QLatin1String const separator(!row ? "" : (style & StyleCode) ? row->code : row->sql);
-    bool const needsParentheses = (style & StyleNested) && operands().size() >= 2;
-    if (needsParentheses)
-        out << '(';
-    printOperands(out, nested(style), 0, separator);
-    if (needsParentheses)
-        out << ')';
+    printJunction(out, style, separator);
 }
 
 NotOperator::NotOperator(ExpressionHandle operand)

@@ -28,13 +28,6 @@ ConstExpression::ConstExpression(QVariant const& value, bool placeholder)
 {
 }
 
-ConstExpression::ConstExpression(ConstExpression const& other)
-    : Expression(other)
-    , m_value(other.m_value)
-    , m_placeholder(other.m_placeholder)
-{
-}
-
 ConstExpression::~ConstExpression() = default;
 
 ConstExpression ConstExpression::time(int hour, int minute, int second, int milliSecond)
@@ -63,11 +56,9 @@ void ConstExpression::printValue(QTextStream& out, QVariant const& value, PrintS
     bool const isSql = style & StyleSql;
     if (style & StylePlaceholders)
         out << '?';
-    else if (TypeTool::isNumeric(value.type()))
-        out << stringValue(value);
     else if (TypeTool::isDate(value.type()) && isSql)
         out << TypeTool::dateMicroSeconds(value);
-    else if (TypeTool::isDate(value.type()))
+    else if (TypeTool::isNumeric(value.type()) || TypeTool::isDate(value.type()))
         out << stringValue(value);
     else if (isSql)
         out << '\'' << stringValue(value).replace(QLatin1Char('\''), QLatin1String("''")) << '\'';
@@ -117,13 +108,6 @@ ValueExpression::ValueExpression(BaseProperty const& property, QString const& al
 ValueExpression::ValueExpression(QString const& name, QString const& alias)
     : m_name(name)
     , m_alias(alias)
-{
-}
-
-ValueExpression::ValueExpression(ValueExpression const& other)
-    : Expression(other)
-    , m_name(other.m_name)
-    , m_alias(other.m_alias)
 {
 }
 
@@ -248,6 +232,16 @@ void Operator::printOperands(QTextStream& out, PrintStyle style, int first, QLat
     }
 }
 
+void Operator::printJunction(QTextStream& out, PrintStyle style, QLatin1String separator) const
+{
+    bool const needsParentheses = (style & StyleNested) && m_operands.size() >= 2;
+    if (needsParentheses)
+        out << '(';
+    printOperands(out, nested(style), 0, separator);
+    if (needsParentheses)
+        out << ')';
+}
+
 bool Operator::equals(Expression const* other) const
 {
     auto const* that = dynamic_cast<Operator const*>(other);
@@ -306,10 +300,10 @@ ExpressionHandle ExpressionList::empty()
 
 void ExpressionList::append(ExpressionList const& elements)
 {
-    // A copy, for a list that is appended to itself.
-    QList<ExpressionHandle> const handles = elements.operands();
-    for (ExpressionHandle const& handle : handles)
-        append(handle);
+    // Counted first, for a list that is appended to itself.
+    int const count = elements.operands().size();
+    for (int i = 0; i < count; ++i)
+        append(elements.operands().at(i));
 }
 
 QVariant ExpressionList::evaluate(PropertySet const& properties, bool* isConstant) const

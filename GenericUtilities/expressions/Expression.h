@@ -13,7 +13,7 @@ public:
     using Expression::equals;
 
     ConstExpression(QVariant const& value, bool placeholder);
-    ConstExpression(ConstExpression const& other);
+    ConstExpression(ConstExpression const& other) = default;
     ConstExpression& operator=(ConstExpression const& other) = default;
     ~ConstExpression() override;
 
@@ -56,7 +56,7 @@ public:
 
     ValueExpression(BaseProperty const& property, QString const& alias);
     ValueExpression(QString const& name, QString const& alias);
-    ValueExpression(ValueExpression const& other);
+    ValueExpression(ValueExpression const& other) = default;
     ValueExpression& operator=(ValueExpression const& other) = default;
     ~ValueExpression() override;
 
@@ -132,6 +132,9 @@ protected:
     void replaceOperand(int index, ExpressionHandle const& operand);
     /// Prints the operands from @p first on, each with @p style, with @p separator between them.
     void printOperands(QTextStream& out, PrintStyle style, int first, QLatin1String separator) const;
+    /// Prints all operands as nested ones with @p separator between them; in parentheses where there are two or more of
+    /// them and @p style says that this node is nested itself.
+    void printJunction(QTextStream& out, PrintStyle style, QLatin1String separator) const;
 
 private:
     QList<ExpressionHandle> m_operands;

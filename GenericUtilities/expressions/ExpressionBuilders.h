@@ -19,10 +19,11 @@ namespace detail {
     template <class T> using IsOperand
         = std::disjunction<IsTerm<T>, std::is_convertible<T const&, QVariant>, std::is_integral<T>>;
 
-    template <class Left, class Right> using IfOperands
-        = std::enable_if_t<std::disjunction_v<std::conjunction<IsTerm<Left>, IsOperand<Right>>,
-                               std::conjunction<IsTerm<Right>, IsOperand<Left>>>,
-            bool>;
+    template <class Left, class Right> using AreOperands
+        = std::disjunction<std::conjunction<IsTerm<Left>, IsOperand<Right>>,
+            std::conjunction<IsTerm<Right>, IsOperand<Left>>>;
+
+    template <class Left, class Right> using IfOperands = std::enable_if_t<AreOperands<Left, Right>::value, bool>;
 
     template <class T> using IfTerm = std::enable_if_t<IsTerm<T>::value, bool>;
 

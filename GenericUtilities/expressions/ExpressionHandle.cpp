@@ -128,9 +128,9 @@ void ExpressionHandle::destroy(Expression* node)
         t_destruction.queue->push_back(node);
         return;
     }
-    bool const isOutermost = t_destruction.nesting == 0;
     std::vector<Expression*> queue;
-    if (isOutermost)
+    auto* const outerQueue = t_destruction.queue;
+    if (!outerQueue)
         t_destruction.queue = &queue;
     ++t_destruction.nesting;
     delete node;
@@ -140,6 +140,7 @@ void ExpressionHandle::destroy(Expression* node)
         delete next;
     }
     --t_destruction.nesting;
+    t_destruction.queue = outerQueue;
 }
 
 QTextStream& operator<<(QTextStream& out, ExpressionHandle expression)

@@ -171,9 +171,13 @@ public:
     }
     void swap(ExpressionHandle& other) noexcept { qSwap(m_node, other.m_node); }
 
-    Expression const* operator->() const { return m_node; }
+    Expression const* operator->() const { return constData(); }
     Expression const& operator*() const { return *m_node; }
-    Expression const* constData() const { return m_node; }
+    Expression const* constData() const
+    {
+        Q_ASSUME(m_node != nullptr);
+        return m_node;
+    }
     Expression* operator->() { return data(); }
     Expression& operator*() { return *data(); }
     Expression* data()
