@@ -2,6 +2,7 @@
 #include <GenericUtilities/expressions/BooleanOperators.h>
 
 #include <GenericUtilities/expressions/NodeRules_p.h>
+#include <GenericUtilities/expressions/PatternBounds_p.h>
 
 #include <QTextStream>
 
@@ -97,6 +98,7 @@ QVariant BooleanOperator::evaluate(PropertySet const& properties, bool* isConsta
 {
     if (isTooDeep())
         return tooDeep(isConstant);
+    Evaluation const evaluation;
     report(isConstant, true);
     Junction const* const row = junction(m_op);
     if (!row)

@@ -2,6 +2,7 @@
 #include <GenericUtilities/expressions/Comparator.h>
 
 #include <GenericUtilities/expressions/NodeRules_p.h>
+#include <GenericUtilities/expressions/PatternBounds_p.h>
 
 #include <QTextStream>
 
@@ -66,6 +67,7 @@ QVariant Comparator::evaluate(PropertySet const& properties, bool* isConstant) c
 {
     if (isTooDeep())
         return tooDeep(isConstant);
+    Evaluation const evaluation;
     bool leftConstant = true;
     bool rightConstant = true;
     bool const isComplete = operands().size() >= 2;
@@ -134,6 +136,7 @@ QVariant ElementOf::evaluate(PropertySet const& properties, bool* isConstant) co
 {
     if (isTooDeep())
         return tooDeep(isConstant);
+    Evaluation const evaluation;
     report(isConstant, true);
     if (operands().isEmpty())
         return {};
@@ -202,6 +205,7 @@ QVariant SwitchCase::evaluate(PropertySet const& properties, bool* isConstant) c
 {
     if (isTooDeep())
         return tooDeep(isConstant);
+    Evaluation const evaluation;
     // Constant whatever the operands are: clients fold switches, and stored ones rely on it.
     report(isConstant, true);
     if (operands().size() < firstCaseIndex)

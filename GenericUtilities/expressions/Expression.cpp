@@ -2,6 +2,7 @@
 #include <GenericUtilities/expressions/Expression.h>
 
 #include <GenericUtilities/expressions/NodeRules_p.h>
+#include <GenericUtilities/expressions/PatternBounds_p.h>
 #include <GenericUtilities/properties/PropertySet.h>
 
 #include <QDateTime>
@@ -48,7 +49,10 @@ ConstExpression ConstExpression::dateTime(
 
 QString ConstExpression::stringValue(QVariant const& value)
 {
-    return value.type() == QVariant::RegExp ? value.toRegExp().pattern() : value.toString();
+    // Not toRegExp(): the copy that it makes compiles the pattern, in the value that threads share.
+    if (value.type() == QVariant::RegExp)
+        return static_cast<QRegExp const*>(value.constData())->pattern();
+    return value.toString();
 }
 
 void ConstExpression::printValue(QTextStream& out, QVariant const& value, PrintStyle style)
@@ -310,6 +314,7 @@ QVariant ExpressionList::evaluate(PropertySet const& properties, bool* isConstan
 {
     if (isTooDeep())
         return tooDeep(isConstant);
+    Evaluation const evaluation;
     bool allConstant = true;
     QVariantList values;
     values.reserve(operands().size());

@@ -2,6 +2,8 @@
 #include <GenericUtilities/expressions/BooleanOperators.h>
 #include <GenericUtilities/expressions/Comparator.h>
 #include <GenericUtilities/expressions/Expression.h>
+#include <GenericUtilities/expressions/Functions.h>
+#include <GenericUtilities/expressions/NumericOperators.h>
 #include <GenericUtilities/expressions/VariantStream_p.h>
 
 #include <QDataStream>
@@ -16,7 +18,7 @@ namespace {
 
     // Each class's fields begin with a number of this kind, which no reader has ever looked at.
     constexpr qint32 fieldsVersion = 1;
-    constexpr qint32 valueFieldsVersion = 2;
+    constexpr qint32 namedFieldsVersion = 2;
 
     // Stored; the names that the C++ ABI of the platform gives the classes.
     char const* classKey(Expression const& node)
@@ -132,7 +134,7 @@ void ConstExpression::read(QDataStream& in)
 
 void ValueExpression::write(QDataStream& out) const
 {
-    out << valueFieldsVersion << m_name << m_alias;
+    out << namedFieldsVersion << m_name << m_alias;
 }
 
 void ValueExpression::read(QDataStream& in)
@@ -198,6 +200,45 @@ void BooleanOperator::read(QDataStream& in)
 {
     skipVersion(in);
     m_op = readEnumeration<BoolOp>(in);
+    Operator::read(in);
+}
+
+void NumericOperator::write(QDataStream& out) const
+{
+    out << fieldsVersion << static_cast<qint32>(m_op);
+    Operator::write(out);
+}
+
+void NumericOperator::read(QDataStream& in)
+{
+    skipVersion(in);
+    m_op = readEnumeration<NumOp>(in);
+    Operator::read(in);
+}
+
+void UnaryOperator::write(QDataStream& out) const
+{
+    out << fieldsVersion << static_cast<qint32>(m_op);
+    Operator::write(out);
+}
+
+void UnaryOperator::read(QDataStream& in)
+{
+    skipVersion(in);
+    m_op = readEnumeration<UnaryOp>(in);
+    Operator::read(in);
+}
+
+void FunctionExpression::write(QDataStream& out) const
+{
+    out << namedFieldsVersion << m_name << m_distinct;
+    Operator::write(out);
+}
+
+void FunctionExpression::read(QDataStream& in)
+{
+    skipVersion(in);
+    in >> m_name >> m_distinct;
     Operator::read(in);
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <GenericUtilities/expressions/VariantStream_p.h>
 
+#include <GenericUtilities/expressions/PatternBounds_p.h>
+
 #include <QDataStream>
 #include <QDateTime>
 #include <QRect>
@@ -13,8 +15,6 @@ namespace qvgen {
 namespace {
 
     constexpr int maxContainerDepth = 100;
-    // QRegExp's parser recurses with the pattern: longer ones can exhaust the stack while they are being read.
-    constexpr int maxPatternLength = 1000;
 
     QVariant readValue(QDataStream& in, int containerDepth);
 
@@ -83,12 +83,17 @@ namespace {
         in >> pattern >> caseSensitive >> syntax >> isMinimal;
         if (!isOk(in))
             return {};
-        if (pattern.size() > maxPatternLength || syntax > QRegExp::W3CXmlSchema11)
+        if (syntax > QRegExp::W3CXmlSchema11
+            || !shapeOf(pattern, static_cast<QRegExp::PatternSyntax>(syntax)).isBounded())
             return corrupt(in);
-        QRegExp expression(pattern, caseSensitive ? Qt::CaseSensitive : Qt::CaseInsensitive,
-            static_cast<QRegExp::PatternSyntax>(syntax));
-        expression.setMinimal(isMinimal);
-        return expression;
+        // Set in place: any other way copies the expression, which compiles its pattern.
+        QVariant value(QVariant::RegExp);
+        auto* const expression = static_cast<QRegExp*>(value.data());
+        expression->setPattern(pattern);
+        expression->setCaseSensitivity(caseSensitive ? Qt::CaseSensitive : Qt::CaseInsensitive);
+        expression->setPatternSyntax(static_cast<QRegExp::PatternSyntax>(syntax));
+        expression->setMinimal(isMinimal);
+        return value;
     }
 
     QVariant readZonedDateTime(QDataStream& in, QDate date, QTime time)

@@ -3,6 +3,8 @@
 
 #include <GenericUtilities/util/Clamp.h>
 
+#include <QLocale>
+
 namespace qv {
 
 namespace {
@@ -22,6 +24,12 @@ namespace {
     QDateTime localTimeOf(qint64 milliSeconds)
     {
         return QDateTime::fromMSecsSinceEpoch(milliSeconds, Qt::LocalTime);
+    }
+
+    // In ASCII digits: QDateTime::toString() takes those of the system's locale.
+    std::string formatted(QDateTime const& time, QString const& format)
+    {
+        return QLocale::c().toString(time, format).toStdString();
     }
 
 } // namespace
@@ -142,8 +150,8 @@ CTimeTranscoder::CTimeTranscoder(QDateTime const& localTime, int microsecond)
     , m_day(localTime.date().day())
     , m_month(localTime.date().month())
     , m_year(localTime.date().year())
-    , m_text(localTime.toString(QStringLiteral("dd.MM.yyyy-hh:mm:ss.zzz")).toStdString())
-    , m_idText(localTime.toString(QStringLiteral("yyyyMMdd_hhmmss_zzz")).toStdString())
+    , m_text(formatted(localTime, QStringLiteral("dd.MM.yyyy-hh:mm:ss.zzz")))
+    , m_idText(formatted(localTime, QStringLiteral("yyyyMMdd_hhmmss_zzz")))
 {
 }
 
