@@ -163,9 +163,10 @@ QVariant CastExpression::evaluate(PropertySet const& properties, bool* isConstan
     if (isTooDeep())
         return tooDeep(isConstant);
     QVariant value = m_operand.evaluate(properties, isConstant);
-    if (!QMetaType::isRegistered(m_target) || !value.canConvert(m_target))
+    auto const target = static_cast<int>(m_target);
+    if (!QMetaType::isRegistered(target) || !value.canConvert(target))
         return TypeTool::castDate(value, m_target);
-    value.convert(m_target);
+    value.convert(target);
     return value;
 }
 
@@ -185,7 +186,7 @@ void CastExpression::print(QTextStream& out, PrintStyle style) const
 {
     if (isTooDeep())
         return;
-    QLatin1String const typeName(QVariant::typeToName(m_target));
+    QLatin1String const typeName(QMetaType::typeName(static_cast<int>(m_target)));
     if (style & StyleCode) {
         out << '(' << typeName << ')';
         m_operand->print(out, nested(style));

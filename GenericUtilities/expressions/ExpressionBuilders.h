@@ -16,8 +16,15 @@ namespace detail {
     template <class T> using IsTerm = std::disjunction<std::is_base_of<BaseProperty, T>, std::is_base_of<Expression, T>,
         std::is_base_of<ExpressionHandle, T>>;
 
-    template <class T> using IsOperand
-        = std::disjunction<IsTerm<T>, std::is_convertible<T const&, QVariant>, std::is_integral<T>>;
+    // Any other pointer would convert to QVariant as a truth value.
+    template <class T> using IsText = std::conjunction<std::is_pointer<std::decay_t<T>>,
+        std::is_same<std::remove_cv_t<std::remove_pointer_t<std::decay_t<T>>>, char>>;
+
+    template <class T> using IsPlainValue = std::disjunction<std::is_integral<T>,
+        std::conjunction<std::disjunction<std::is_class<T>, std::is_enum<T>, std::is_arithmetic<T>, IsText<T>>,
+            std::is_convertible<T const&, QVariant>>>;
+
+    template <class T> using IsOperand = std::disjunction<IsTerm<T>, IsPlainValue<T>>;
 
     template <class Left, class Right> using AreOperands
         = std::disjunction<std::conjunction<IsTerm<Left>, IsOperand<Right>>,

@@ -510,7 +510,7 @@ bool TypeTool::equals(QVariant const& a, QVariant const& b)
     // The outcomes are compared, not the values: values without an order count as equal where both are of one kind.
     QVariant left = a;
     QVariant right = b;
-    return left.convert(common) == right.convert(common);
+    return left.convert(static_cast<int>(common)) == right.convert(static_cast<int>(common));
 }
 
 bool TypeTool::contains(QList<QVariant> const& list, QVariant const& value)
