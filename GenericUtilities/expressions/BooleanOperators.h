@@ -53,7 +53,8 @@ private:
     BoolOp m_op;
 };
 
-/// Negates a condition; invalid where its value is no truth value.
+/// Negates a condition; invalid where its value is no truth value. Write `!(!a)` for a double negation:
+/// `NotOperator(NotOperator(a))` is C++'s copy.
 class GENERICUTILITIES_EXPORT NotOperator : public Operator {
 public:
     explicit NotOperator(ExpressionHandle operand);
