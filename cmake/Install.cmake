@@ -13,5 +13,8 @@ install(FILES
   DESTINATION ${package_dir})
 install(EXPORT GenericUtilitiesTargets NAMESPACE GenericUtilities:: DESTINATION ${package_dir})
 
+# Relative to the file itself, so that the installed tree can be moved.
+file(RELATIVE_PATH prefix_from_pkgconfig
+  ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 configure_file(cmake/GenericUtilities.pc.in ${PROJECT_BINARY_DIR}/cmake/GenericUtilities.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/cmake/GenericUtilities.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -78,8 +78,8 @@ public:
     QVariant do_bitxor(QVariant const& a, QVariant const& b);
     ///@}
 
-    /// @p value on the scale of microseconds (for moments: since 1970-01-01 00:00 UTC). What converts to text is read as a
-    /// date in Qt::TextDate, and counts as 2^32 - 1 seconds where it is none; anything else is 0.
+    /// @p value on the scale of microseconds (for moments: since 1970-01-01 00:00 UTC). What converts to text is read
+    /// as a date in Qt::TextDate, and counts as 2^32 - 1 seconds where it is none; anything else is 0.
     static qint64 dateMicroSeconds(QVariant const& value);
     /// The same in seconds.
     static double dateSeconds(QVariant const& value);
