@@ -51,8 +51,6 @@ BooleanOperator::BooleanOperator(ExpressionHandle left, BoolOp op, ExpressionHan
     append(right);
 }
 
-BooleanOperator::~BooleanOperator() = default;
-
 BooleanOperator BooleanOperator::joined(BoolOp op, ExpressionHandle const& condition)
 {
     if (m_op != op)
@@ -142,8 +140,6 @@ NotOperator::NotOperator(ExpressionHandle operand)
 {
     append(operand);
 }
-
-NotOperator::~NotOperator() = default;
 
 QVariant NotOperator::evaluate(PropertySet const& properties, bool* isConstant) const
 {

@@ -17,9 +17,6 @@ public:
     explicit BooleanOperator(BoolOp op);
     /// Two operands, even where one is an operator of the same kind: nothing is flattened.
     BooleanOperator(ExpressionHandle left, BoolOp op, ExpressionHandle right);
-    BooleanOperator(BooleanOperator const& other) = default;
-    BooleanOperator& operator=(BooleanOperator const& other) = default;
-    ~BooleanOperator() override;
 
     BoolOp op() const { return m_op; }
 
@@ -58,9 +55,6 @@ private:
 class GENERICUTILITIES_EXPORT NotOperator : public Operator {
 public:
     explicit NotOperator(ExpressionHandle operand);
-    NotOperator(NotOperator const& other) = default;
-    NotOperator& operator=(NotOperator const& other) = default;
-    ~NotOperator() override;
 
     QVariant evaluate(PropertySet const& properties, bool* isConstant) const override;
     NotOperator* clone() const override;

@@ -61,8 +61,6 @@ Comparator::Comparator(CompOp op)
 {
 }
 
-Comparator::~Comparator() = default;
-
 QVariant Comparator::evaluate(PropertySet const& properties, bool* isConstant) const
 {
     if (isTooDeep())
@@ -118,8 +116,6 @@ ElementOf::ElementOf(BaseProperty const& property)
 {
     append(reference(property));
 }
-
-ElementOf::~ElementOf() = default;
 
 void ElementOf::append(QVariant const& value)
 {
@@ -185,8 +181,6 @@ SwitchCase::SwitchCase(BaseProperty const& property)
     : SwitchCase(ExpressionHandle(reference(property)))
 {
 }
-
-SwitchCase::~SwitchCase() = default;
 
 SwitchCase& SwitchCase::switchCase(ExpressionHandle caseValue, ExpressionHandle result)
 {

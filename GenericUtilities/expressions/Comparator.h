@@ -15,9 +15,6 @@ public:
     Comparator(ExpressionHandle left, CompOp op, ExpressionHandle right);
     /// Without operands, for readers of streams.
     explicit Comparator(CompOp op);
-    Comparator(Comparator const& other) = default;
-    Comparator& operator=(Comparator const& other) = default;
-    ~Comparator() override;
 
     CompOp op() const { return m_op; }
 
@@ -40,9 +37,6 @@ public:
     ElementOf();
     explicit ElementOf(ExpressionHandle value);
     explicit ElementOf(BaseProperty const& property);
-    ElementOf(ElementOf const& other) = default;
-    ElementOf& operator=(ElementOf const& other) = default;
-    ~ElementOf() override;
 
     using Operator::append;
     /// Adds a placeholder constant as candidate.
@@ -68,9 +62,6 @@ public:
     /// The default result is an empty list until defaultCase() sets one.
     explicit SwitchCase(ExpressionHandle selector);
     explicit SwitchCase(BaseProperty const& property);
-    SwitchCase(SwitchCase const& other) = default;
-    SwitchCase& operator=(SwitchCase const& other) = default;
-    ~SwitchCase() override;
 
     SwitchCase& switchCase(ExpressionHandle caseValue, ExpressionHandle result);
     SwitchCase& defaultCase(ExpressionHandle result);

@@ -29,8 +29,6 @@ ConstExpression::ConstExpression(QVariant const& value, bool placeholder)
 {
 }
 
-ConstExpression::~ConstExpression() = default;
-
 ConstExpression ConstExpression::time(int hour, int minute, int second, int milliSecond)
 {
     return {QTime(hour, minute, second, milliSecond), false};
@@ -115,8 +113,6 @@ ValueExpression::ValueExpression(QString const& name, QString const& alias)
 {
 }
 
-ValueExpression::~ValueExpression() = default;
-
 QVariant ValueExpression::evaluate(PropertySet const& properties, bool* isConstant) const
 {
     report(isConstant, false);
@@ -155,8 +151,6 @@ CastExpression::CastExpression(QVariant::Type target, ExpressionHandle operand)
 {
     countOperand(m_operand);
 }
-
-CastExpression::~CastExpression() = default;
 
 QVariant CastExpression::evaluate(PropertySet const& properties, bool* isConstant) const
 {
@@ -211,8 +205,6 @@ bool CastExpression::isEmpty() const
         innermost = cast->m_operand.constData();
     return innermost->isEmpty();
 }
-
-Operator::~Operator() = default;
 
 void Operator::append(ExpressionHandle operand)
 {
@@ -293,8 +285,6 @@ ExpressionList::ExpressionList(QList<QVariant> const& values)
     for (QVariant const& value : values)
         append(ConstExpression(value, true));
 }
-
-ExpressionList::~ExpressionList() = default;
 
 ExpressionHandle ExpressionList::empty()
 {

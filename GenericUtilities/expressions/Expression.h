@@ -13,9 +13,6 @@ public:
     using Expression::equals;
 
     ConstExpression(QVariant const& value, bool placeholder);
-    ConstExpression(ConstExpression const& other) = default;
-    ConstExpression& operator=(ConstExpression const& other) = default;
-    ~ConstExpression() override;
 
     /// Constants that are no placeholders; dateTime() in local time.
     static ConstExpression time(int hour, int minute, int second, int milliSecond);
@@ -56,9 +53,6 @@ public:
 
     ValueExpression(BaseProperty const& property, QString const& alias);
     ValueExpression(QString const& name, QString const& alias);
-    ValueExpression(ValueExpression const& other) = default;
-    ValueExpression& operator=(ValueExpression const& other) = default;
-    ~ValueExpression() override;
 
     QString const& name() const { return m_name; }
     /// In SQL printed after the name, as "name AS alias".
@@ -84,9 +78,6 @@ public:
     using Expression::equals;
 
     CastExpression(QVariant::Type target, ExpressionHandle operand);
-    CastExpression(CastExpression const& other) = default;
-    CastExpression& operator=(CastExpression const& other) = default;
-    ~CastExpression() override;
 
     QVariant::Type target() const { return m_target; }
     ExpressionHandle const& operand() const { return m_operand; }
@@ -110,8 +101,6 @@ class GENERICUTILITIES_EXPORT Operator : public Expression {
 public:
     using Expression::collectPlaceholders;
     using Expression::equals;
-
-    ~Operator() override;
 
     QList<ExpressionHandle> const& operands() const { return m_operands; }
     void append(ExpressionHandle operand);
@@ -149,9 +138,6 @@ public:
     ExpressionList(ExpressionHandle first, ExpressionHandle second);
     /// A placeholder constant for each value.
     explicit ExpressionList(QList<QVariant> const& values);
-    ExpressionList(ExpressionList const& other) = default;
-    ExpressionList& operator=(ExpressionList const& other) = default;
-    ~ExpressionList() override;
 
     /// The one empty list that all default-constructed handles share.
     static ExpressionHandle empty();

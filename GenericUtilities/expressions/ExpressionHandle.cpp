@@ -13,9 +13,17 @@ namespace qvgen {
 
 namespace {
 
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define GENERICUTILITIES_IS_INSTRUMENTED
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer) || __has_feature(memory_sanitizer)
+#define GENERICUTILITIES_IS_INSTRUMENTED
+#endif
+#endif
+
     // What one level of a tree takes of the stack while it is walked, measured and rounded up generously. Unoptimised
     // and instrumented builds have larger frames.
-#if defined(__OPTIMIZE__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#if defined(__OPTIMIZE__) && !defined(GENERICUTILITIES_IS_INSTRUMENTED)
     constexpr std::size_t stackBytesPerLevel = 1024;
 #else
     constexpr std::size_t stackBytesPerLevel = 8192;

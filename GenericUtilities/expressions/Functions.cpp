@@ -92,8 +92,6 @@ FunctionExpression::FunctionExpression(QString const& name, ExpressionList const
         append(each);
 }
 
-FunctionExpression::~FunctionExpression() = default;
-
 QMap<QString, FunctionExpression::FunctionEntry>& FunctionExpression::functionMap()
 {
     // Never destroyed: destructors of static objects may still evaluate trees.

@@ -30,9 +30,6 @@ public:
     };
 
     FunctionExpression(QString const& name, ExpressionList const& operands, bool distinct);
-    FunctionExpression(FunctionExpression const& other) = default;
-    FunctionExpression& operator=(FunctionExpression const& other) = default;
-    ~FunctionExpression() override;
 
     QString const& name() const { return m_name; }
     /// Whether the function sees each value once only.

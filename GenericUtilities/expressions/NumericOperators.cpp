@@ -58,8 +58,6 @@ NumericOperator::NumericOperator(ExpressionHandle left, NumOp op, ExpressionHand
     append(right);
 }
 
-NumericOperator::~NumericOperator() = default;
-
 NumericOperator& NumericOperator::append(ExpressionHandle operand)
 {
     Operator::append(operand);
@@ -145,8 +143,6 @@ UnaryOperator::UnaryOperator(UnaryOp op, ExpressionHandle operand)
 {
     append(operand);
 }
-
-UnaryOperator::~UnaryOperator() = default;
 
 QVariant UnaryOperator::evaluate(PropertySet const& properties, bool* isConstant) const
 {

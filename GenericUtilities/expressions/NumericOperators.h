@@ -16,9 +16,6 @@ public:
     explicit NumericOperator(NumOp op);
     /// Two operands, even where one is an operator of the same kind: nothing is flattened.
     NumericOperator(ExpressionHandle left, NumOp op, ExpressionHandle right);
-    NumericOperator(NumericOperator const& other) = default;
-    NumericOperator& operator=(NumericOperator const& other) = default;
-    ~NumericOperator() override;
 
     NumOp op() const { return m_op; }
     NumericOperator& append(ExpressionHandle operand);
@@ -81,9 +78,6 @@ public:
     enum UnaryOp : int { Minus = 0, BitNot = 1 };
 
     UnaryOperator(UnaryOp op, ExpressionHandle operand);
-    UnaryOperator(UnaryOperator const& other) = default;
-    UnaryOperator& operator=(UnaryOperator const& other) = default;
-    ~UnaryOperator() override;
 
     UnaryOp op() const { return m_op; }
 

@@ -1,12 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include <GenericUtilities/expressions/TypeTool.h>
+#include <GenericUtilities/expressions/TypeToolRules_p.h>
 
 #include <GenericUtilities/util/Clamp.h>
-#include <GenericUtilities/util/TimeConversions.h>
 #include <qvbase/Exceptions.h>
-
-#include <QDateTime>
-#include <QStringList>
 
 #include <algorithm>
 #include <limits>
@@ -15,10 +11,6 @@
 namespace qvgen {
 
 namespace {
-
-    constexpr qint64 microsPerMilli = 1000;
-    constexpr double microsPerSecond = 1000000;
-    constexpr qint64 microsPerDay = qv::CTimeTranscoder::MICROSECONDS_PER_DAY;
 
     constexpr int sortsBefore = std::numeric_limits<int>::min();
     constexpr int sortsAfter = std::numeric_limits<int>::max();
@@ -75,33 +67,6 @@ namespace {
         return rules[left - QVariant::Int][right - QVariant::Int];
     }
 
-    bool isDateWithPartner(QVariant::Type date, QVariant::Type partner)
-    {
-        return TypeTool::isDate(date) && (TypeTool::isDate(partner) || TypeTool::isNumeric(partner));
-    }
-
-    bool isText(QVariant const& value)
-    {
-        return value.type() == QVariant::String || value.canConvert(QVariant::String);
-    }
-
-    // Integer arithmetic that wraps around: in the unsigned type overflow is defined.
-    template <class Integer, class Operation> QVariant wrapped(Integer a, Integer b, Operation const& operation)
-    {
-        using Unsigned = std::make_unsigned_t<Integer>;
-        return static_cast<Integer>(operation(static_cast<Unsigned>(a), static_cast<Unsigned>(b)));
-    }
-
-    qint64 wrappedProduct(qint64 a, qint64 b)
-    {
-        return static_cast<qint64>(static_cast<quint64>(a) * static_cast<quint64>(b));
-    }
-
-    qint64 wrappedSum(qint64 a, qint64 b)
-    {
-        return static_cast<qint64>(static_cast<quint64>(a) + static_cast<quint64>(b));
-    }
-
     // The sign and, within 32 bits, the size of a - b, which itself may not fit into 64 bits.
     int difference(qint64 a, qint64 b)
     {
@@ -109,123 +74,6 @@ namespace {
         if (__builtin_sub_overflow(a, b, &exact))
             return a < b ? sortsBefore : sortsAfter;
         return static_cast<int>(std::clamp<qint64>(exact, sortsBefore, sortsAfter));
-    }
-
-    // The operations by type. Each has a call for integers and one for doubles; none gives an invalid variant for types
-    // (or divisors) that it does not serve.
-
-    struct Add {
-        template <class Integer> QVariant operator()(Integer a, Integer b) const
-        {
-            return wrapped(a, b, [](auto x, auto y) { return x + y; });
-        }
-        QVariant operator()(double a, double b) const { return a + b; }
-    };
-
-    struct Subtract {
-        QVariant operator()(uint a, uint b) const { return a > b ? QVariant(a - b) : QVariant(qlonglong(a) - b); }
-        QVariant operator()(qulonglong a, qulonglong b) const
-        {
-            return a > b ? QVariant(a - b) : QVariant(static_cast<double>(a) - static_cast<double>(b));
-        }
-        template <class Integer> QVariant operator()(Integer a, Integer b) const
-        {
-            return wrapped(a, b, [](auto x, auto y) { return x - y; });
-        }
-        QVariant operator()(double a, double b) const { return a - b; }
-    };
-
-    struct Multiply {
-        template <class Integer> QVariant operator()(Integer a, Integer b) const
-        {
-            return wrapped(a, b, [](auto x, auto y) { return x * y; });
-        }
-        QVariant operator()(double a, double b) const { return a * b; }
-    };
-
-    // The one quotient that overflows: the lowest integer by -1.
-    template <class Integer> bool isNegation(Integer divisor)
-    {
-        return std::is_signed_v<Integer> && divisor == static_cast<Integer>(-1);
-    }
-
-    struct Divide {
-        template <class Integer> QVariant operator()(Integer a, Integer b) const
-        {
-            if (b == 0)
-                return {};
-            return isNegation(b) ? wrapped(Integer(0), a, [](auto x, auto y) { return x - y; }) : QVariant(a / b);
-        }
-        QVariant operator()(double a, double b) const { return b == 0.0 ? QVariant() : QVariant(a / b); }
-    };
-
-    struct Modulo {
-        template <class Integer> QVariant operator()(Integer a, Integer b) const
-        {
-            if (b == 0)
-                return {};
-            return isNegation(b) ? Integer(0) : a % b;
-        }
-        QVariant operator()(double, double) const { return {}; }
-    };
-
-    struct BitAnd {
-        template <class Integer> QVariant operator()(Integer a, Integer b) const { return a & b; }
-        QVariant operator()(double, double) const { return {}; }
-    };
-
-    struct BitOr {
-        template <class Integer> QVariant operator()(Integer a, Integer b) const { return a | b; }
-        QVariant operator()(double, double) const { return {}; }
-    };
-
-    struct BitXor {
-        template <class Integer> QVariant operator()(Integer a, Integer b) const { return a ^ b; }
-        QVariant operator()(double, double) const { return {}; }
-    };
-
-    template <class Operation>
-    QVariant inType(QVariant::Type type, QVariant const& a, QVariant const& b, Operation const& operation)
-    {
-        switch (type) {
-        case QVariant::Int:
-            return operation(a.toInt(), b.toInt());
-        case QVariant::UInt:
-            return operation(a.toUInt(), b.toUInt());
-        case QVariant::LongLong:
-            return operation(a.toLongLong(), b.toLongLong());
-        case QVariant::ULongLong:
-            return operation(a.toULongLong(), b.toULongLong());
-        case QVariant::Double:
-            return operation(a.toDouble(), b.toDouble());
-        default:
-            return {};
-        }
-    }
-
-    // A date as a number of type `target`, at `micros` microseconds.
-    QVariant numberOfDate(qint64 micros, QVariant::Type target)
-    {
-        auto const unsignedMicros = static_cast<quint64>(micros);
-        // Cut to 32 bits before the division: SQL that clients stored was made with these numbers.
-        auto const low = static_cast<quint32>(unsignedMicros);
-        switch (target) {
-        case QVariant::Int:
-            return static_cast<int>(low) / int(microsPerMilli);
-        case QVariant::UInt:
-            return low / uint(microsPerMilli);
-        case QVariant::Double:
-            return static_cast<double>(unsignedMicros) / static_cast<double>(microsPerDay);
-        default:
-            return unsignedMicros;
-        }
-    }
-
-    quint64 frameTimeOfNumber(QVariant const& number)
-    {
-        if (number.type() == QVariant::Double)
-            return qv::clampTo<quint64>(number.toDouble() * static_cast<double>(microsPerDay));
-        return static_cast<quint64>(TypeTool::dateMicroSeconds(number));
     }
 
 } // namespace
@@ -239,12 +87,6 @@ bool TypeTool::throwOK() const
     if (!m_ok)
         throw qv::IllegalArgumentException(QStringLiteral("can't compare values"), QString());
     return true;
-}
-
-QVariant TypeTool::fail()
-{
-    m_ok = false;
-    return {};
 }
 
 QVariant::Type TypeTool::coerceNumericTypes(QVariant const& a, QVariant const& b) const
@@ -290,159 +132,6 @@ QVariant::Type TypeTool::coerceOtherTypes(QVariant const& a, QVariant const& b) 
     if (a.canConvert(b.userType()))
         return static_cast<QVariant::Type>(b.userType());
     return isText(a) && isText(b) ? QVariant::String : QVariant::Invalid;
-}
-
-// The operation in the common type of two numbers; fails where they have none, or the operation has no result.
-template <class Operation>
-QVariant TypeTool::calculate(QVariant const& a, QVariant const& b, Operation const& operation)
-{
-    QVariant result = inType(coerceNumericTypes(a, b), a, b, operation);
-    m_ok = result.isValid();
-    return result;
-}
-
-template <class Operation>
-QVariant TypeTool::combineBits(QVariant const& a, QVariant const& b, Operation const& operation)
-{
-    // Never a failure, unlike the other operations: chains of bit tests carry the invalid value on.
-    m_ok = true;
-    return inType(coerceNumericTypes(a, b), a, b, operation);
-}
-
-QVariant TypeTool::do_add(QVariant const& a, QVariant const& b)
-{
-    QVariant sum = calculate(a, b, Add());
-    if (!m_ok)
-        sum = addOthers(a, b);
-    return sum;
-}
-
-QVariant TypeTool::addOthers(QVariant const& a, QVariant const& b)
-{
-    m_ok = true;
-    if (isDateWithPartner(a.type(), b.type()))
-        return dateAdd(a, dateMicroSeconds(b));
-    if (isDateWithPartner(b.type(), a.type()))
-        return dateAdd(b, dateMicroSeconds(a));
-    if (isText(a) && isText(b))
-        return QString(a.toString() + b.toString());
-    return fail();
-}
-
-QVariant TypeTool::do_subtract(QVariant const& a, QVariant const& b)
-{
-    QVariant remainder = calculate(a, b, Subtract());
-    if (!m_ok)
-        remainder = subtractOthers(a, b);
-    return remainder;
-}
-
-QVariant TypeTool::subtractOthers(QVariant const& a, QVariant const& b)
-{
-    if (!isDateWithPartner(a.type(), b.type()))
-        return fail();
-    m_ok = true;
-    return dateAdd(a, wrappedProduct(-1, dateMicroSeconds(b)));
-}
-
-QVariant TypeTool::do_multiply(QVariant const& a, QVariant const& b)
-{
-    return calculate(a, b, Multiply());
-}
-
-QVariant TypeTool::do_divide(QVariant const& a, QVariant const& b)
-{
-    return calculate(a, b, Divide());
-}
-
-QVariant TypeTool::do_modulo(QVariant const& a, QVariant const& b)
-{
-    return calculate(a, b, Modulo());
-}
-
-QVariant TypeTool::do_bitand(QVariant const& a, QVariant const& b)
-{
-    return combineBits(a, b, BitAnd());
-}
-
-QVariant TypeTool::do_bitor(QVariant const& a, QVariant const& b)
-{
-    return combineBits(a, b, BitOr());
-}
-
-QVariant TypeTool::do_bitxor(QVariant const& a, QVariant const& b)
-{
-    return combineBits(a, b, BitXor());
-}
-
-qint64 TypeTool::dateMicroSeconds(QVariant const& value)
-{
-    switch (value.type()) {
-    case QVariant::Int:
-        return value.toInt() * microsPerMilli;
-    case QVariant::UInt:
-        return value.toUInt() * microsPerMilli;
-    case QVariant::LongLong:
-        return value.toLongLong();
-    case QVariant::ULongLong:
-        return static_cast<qint64>(value.toULongLong());
-    case QVariant::Double:
-        return qv::clampTo<qint64>(value.toDouble() * static_cast<double>(microsPerDay));
-    case QVariant::Date:
-        return wrappedProduct(EPOCH.daysTo(value.toDate()), microsPerDay);
-    case QVariant::Time:
-        return MIDNIGHT.msecsTo(value.toTime()) * microsPerMilli;
-    case QVariant::DateTime:
-        return qv::toMicroSeconds(value.toDateTime());
-    default:
-        return isText(value) ? qv::toMicroSeconds(QDateTime::fromString(value.toString(), Qt::TextDate)) : 0;
-    }
-}
-
-double TypeTool::dateSeconds(QVariant const& value)
-{
-    return static_cast<double>(dateMicroSeconds(value)) / microsPerSecond;
-}
-
-QVariant TypeTool::dateAdd(QVariant const& value, qint64 micros) const
-{
-    qint64 const moved = wrappedSum(dateMicroSeconds(value), micros);
-    auto const unsignedMoved = static_cast<quint64>(moved);
-    QDateTime const moment = qv::fromMicroSeconds(moved);
-    switch (value.type()) {
-    case QVariant::Int:
-    case QVariant::UInt:
-        return static_cast<int>(unsignedMoved / microsPerMilli);
-    case QVariant::LongLong:
-    case QVariant::ULongLong:
-        return moved % microsPerMilli == 0 ? QVariant(static_cast<int>(moved / microsPerMilli))
-                                           : QVariant(unsignedMoved);
-    case QVariant::Double:
-        return static_cast<double>(unsignedMoved) / static_cast<double>(microsPerDay);
-    case QVariant::Date:
-        return unsignedMoved % microsPerDay == 0 ? QVariant(moment.date()) : QVariant(moment);
-    case QVariant::Time:
-        return unsignedMoved < microsPerDay ? QVariant(moment.time()) : QVariant(moment);
-    default:
-        return moment;
-    }
-}
-
-QVariant TypeTool::castDate(QVariant const& value, QVariant::Type target)
-{
-    if (isDate(value.type()) && isNumeric(target))
-        return numberOfDate(dateMicroSeconds(value), target);
-    if (!isDate(target) || !isNumeric(value.type()))
-        return {};
-    QDateTime const moment = qv::fromFrameTime(frameTimeOfNumber(value));
-    switch (target) {
-    case QVariant::Date:
-        return moment.date();
-    case QVariant::Time:
-        return moment.time();
-    default:
-        return moment;
-    }
 }
 
 QString TypeTool::invertString(QString const& text)

@@ -4,11 +4,10 @@
 #include <GenericUtilities/expressions/PatternBounds_p.h>
 
 #include <QDataStream>
-#include <QDateTime>
+#include <QDate>
 #include <QRect>
 #include <QRegExp>
 #include <QStringList>
-#include <QTimeZone>
 
 namespace qvgen {
 
@@ -17,17 +16,6 @@ namespace {
     constexpr int maxContainerDepth = 100;
 
     QVariant readValue(QDataStream& in, int containerDepth);
-
-    QVariant corrupt(QDataStream& in)
-    {
-        in.setStatus(QDataStream::ReadCorruptData);
-        return {};
-    }
-
-    bool isOk(QDataStream const& in)
-    {
-        return in.status() == QDataStream::Ok;
-    }
 
     template <class Value> QVariant readPlain(QDataStream& in)
     {
@@ -87,67 +75,13 @@ namespace {
             || !shapeOf(pattern, static_cast<QRegExp::PatternSyntax>(syntax)).isBounded())
             return corrupt(in);
         // Set in place: any other way copies the expression, which compiles its pattern.
-        QVariant value(QVariant::RegExp);
+        QVariant value = QRegExp();
         auto* const expression = static_cast<QRegExp*>(value.data());
         expression->setPattern(pattern);
         expression->setCaseSensitivity(caseSensitive ? Qt::CaseSensitive : Qt::CaseInsensitive);
         expression->setPatternSyntax(static_cast<QRegExp::PatternSyntax>(syntax));
         expression->setMinimal(isMinimal);
         return value;
-    }
-
-    QVariant readZonedDateTime(QDataStream& in, QDate date, QTime time)
-    {
-        QString id;
-        in >> id;
-        // Only names from the system's list: Qt would open whatever file the name leads to.
-        QByteArray const zone = id.toLatin1();
-        if (!isOk(in) || !QTimeZone::isTimeZoneIdAvailable(zone))
-            return corrupt(in);
-        return QDateTime(date, time, QTimeZone(zone));
-    }
-
-    QVariant readOffsetDateTime(QDataStream& in, QDate date, QTime time)
-    {
-        qint32 offsetSeconds = 0;
-        in >> offsetSeconds;
-        constexpr int maxOffset = 14 * 60 * 60;
-        if (!isOk(in) || qAbs(qint64(offsetSeconds)) > maxOffset)
-            return corrupt(in);
-        return QDateTime(date, time, Qt::OffsetFromUTC, offsetSeconds);
-    }
-
-    // What a stored byte means changed with Qt 5.2. Any other value would crash Qt when the date is written again.
-    struct TimeSpecs {
-        qint8 local[3];
-        qint8 utc;
-        qint8 offset;
-        qint8 zone;
-    };
-
-    constexpr TimeSpecs specsBefore52 = {{-1, 0, 1}, 2, 3, 4};
-    constexpr TimeSpecs specsFrom52 = {{0, 0, 0}, 1, 2, 3};
-
-    QVariant readDateTime(QDataStream& in)
-    {
-        QDate date;
-        QTime time;
-        qint8 spec = 0;
-        in >> date >> time >> spec;
-        if (!isOk(in))
-            return {};
-        TimeSpecs const& specs = in.version() < QDataStream::Qt_5_2 ? specsBefore52 : specsFrom52;
-        if (spec == specs.utc)
-            return QDateTime(date, time, Qt::UTC);
-        if (spec == specs.offset)
-            return readOffsetDateTime(in, date, time);
-        if (spec == specs.zone)
-            return readZonedDateTime(in, date, time);
-        for (qint8 const local : specs.local) {
-            if (spec == local)
-                return QDateTime(date, time, Qt::LocalTime);
-        }
-        return corrupt(in);
     }
 
     // Qt 4 counted the types of its core library on from 128; Qt 5 moved them down.
@@ -211,11 +145,14 @@ namespace {
 
     QVariant readValue(QDataStream& in, int containerDepth)
     {
-        if (containerDepth > maxContainerDepth)
+        // Before Qt 4 types had other numbers.
+        if (containerDepth > maxContainerDepth || in.version() < QDataStream::Qt_4_0)
             return corrupt(in);
         quint32 storedType = 0;
         qint8 isNull = 0;
-        in >> storedType >> isNull;
+        in >> storedType;
+        if (in.version() >= QDataStream::Qt_4_2)
+            in >> isNull;
         if (!isOk(in))
             return {};
         quint32 const type = currentType(in, storedType);
@@ -224,6 +161,12 @@ namespace {
     }
 
 } // namespace
+
+QVariant corrupt(QDataStream& in)
+{
+    in.setStatus(QDataStream::ReadCorruptData);
+    return {};
+}
 
 QVariant readVariant(QDataStream& in)
 {

@@ -42,8 +42,6 @@ IllegalProperty::IllegalProperty()
     setValidationResult(false, QString());
 }
 
-IllegalProperty::~IllegalProperty() = default;
-
 QString IllegalProperty::type() const
 {
     return QStringLiteral("IllegalProperty");

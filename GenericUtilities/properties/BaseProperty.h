@@ -83,8 +83,6 @@ public:
     /// The only instance, which lookups of a missing name refer to; lives as long as the library is loaded.
     static IllegalProperty ms_illegalProperty;
 
-    ~IllegalProperty() override;
-
     QString type() const override;
     QTextStream& dump(QTextStream& out) const override;
     /// An invalid variant.

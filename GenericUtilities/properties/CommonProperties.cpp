@@ -53,8 +53,6 @@ IntProperty::IntProperty(
 {
 }
 
-IntProperty::~IntProperty() = default;
-
 int IntProperty::getValue(BaseProperty const& property, int defaultValue)
 {
     return valueOf<IntProperty, int>(property, defaultValue, QStringLiteral("IntProperty"));
@@ -95,8 +93,6 @@ UIntProperty::UIntProperty(
     , m_value(value)
 {
 }
-
-UIntProperty::~UIntProperty() = default;
 
 unsigned int UIntProperty::getValue(BaseProperty const& property, unsigned int defaultValue)
 {
@@ -139,8 +135,6 @@ U64Property::U64Property(
 {
 }
 
-U64Property::~U64Property() = default;
-
 unsigned long long U64Property::getValue(BaseProperty const& property, unsigned long long defaultValue)
 {
     return valueOf<U64Property, unsigned long long>(property, defaultValue, QStringLiteral("U64Property"));
@@ -182,8 +176,6 @@ StringProperty::StringProperty(
 {
 }
 
-StringProperty::~StringProperty() = default;
-
 QString StringProperty::getValue(BaseProperty const& property, QString const& defaultValue)
 {
     return valueOf<StringProperty, QString>(property, defaultValue, QStringLiteral("StringProperty"));
@@ -224,8 +216,6 @@ StringListProperty::StringListProperty(
     , m_value(value)
 {
 }
-
-StringListProperty::~StringListProperty() = default;
 
 QStringList StringListProperty::getValue(BaseProperty const& property, QStringList const& defaultValue)
 {
@@ -271,8 +261,6 @@ FloatProperty::FloatProperty(
 {
 }
 
-FloatProperty::~FloatProperty() = default;
-
 float FloatProperty::getValue(BaseProperty const& property, float defaultValue)
 {
     return valueOf<FloatProperty, float>(property, defaultValue, QStringLiteral("FloatProperty"));
@@ -313,8 +301,6 @@ DoubleProperty::DoubleProperty(
     , m_value(value)
 {
 }
-
-DoubleProperty::~DoubleProperty() = default;
 
 double DoubleProperty::getValue(BaseProperty const& property, double defaultValue)
 {
@@ -357,8 +343,6 @@ BoolProperty::BoolProperty(
 {
 }
 
-BoolProperty::~BoolProperty() = default;
-
 bool BoolProperty::getValue(BaseProperty const& property, bool defaultValue)
 {
     return valueOf<BoolProperty, bool>(property, defaultValue, QStringLiteral("BoolProperty"));
@@ -399,8 +383,6 @@ RectProperty::RectProperty(
     , m_value(value)
 {
 }
-
-RectProperty::~RectProperty() = default;
 
 QRect RectProperty::getValue(BaseProperty const& property, QRect defaultValue)
 {
@@ -447,8 +429,6 @@ VariantProperty::VariantProperty(
 {
 }
 
-VariantProperty::~VariantProperty() = default;
-
 QVariant VariantProperty::getValue(BaseProperty const& property, QVariant const& defaultValue)
 {
     return valueOf<VariantProperty, QVariant>(property, defaultValue, QStringLiteral("VariantProperty"));
@@ -488,8 +468,6 @@ DateProperty::DateProperty(
 {
 }
 
-DateProperty::~DateProperty() = default;
-
 QString DateProperty::type() const
 {
     return QStringLiteral("DateProperty");
@@ -520,8 +498,6 @@ TimeProperty::TimeProperty(
     , m_value(value)
 {
 }
-
-TimeProperty::~TimeProperty() = default;
 
 QTime TimeProperty::getValue(BaseProperty const& property, QTime const& defaultValue)
 {
@@ -564,8 +540,6 @@ DateTimeProperty::DateTimeProperty(
 {
 }
 
-DateTimeProperty::~DateTimeProperty() = default;
-
 QDateTime DateTimeProperty::getValue(BaseProperty const& property, QDateTime const& defaultValue)
 {
     return valueOf<DateTimeProperty, QDateTime>(property, defaultValue, QStringLiteral("DateTimeProperty"));
@@ -606,8 +580,6 @@ PropertySetProperty::PropertySetProperty(
     , m_value(value)
 {
 }
-
-PropertySetProperty::~PropertySetProperty() = default;
 
 PropertySet PropertySetProperty::getValue(BaseProperty const& property, PropertySet const& defaultValue)
 {

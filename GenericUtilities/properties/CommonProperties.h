@@ -15,12 +15,12 @@
 /// - `void X::setValue(property, value)`: changes an X; the illegal property is refused like any other class.
 /// Both throw qv::UnexpectedTypeException ("Property has the wrong type.") on a property of another class.
 namespace qvgen {
+
 /// A 32-bit signed number.
 class GENERICUTILITIES_EXPORT IntProperty : public BaseProperty {
 public:
     IntProperty(
         QString const& name, QString const& description, int value, qvm::smart<PropertyValidator> validator = {});
-    ~IntProperty() override;
 
     static int getValue(BaseProperty const& property, int defaultValue);
     static void setValue(BaseProperty& property, int value);
@@ -40,7 +40,6 @@ class GENERICUTILITIES_EXPORT UIntProperty : public BaseProperty {
 public:
     UIntProperty(QString const& name, QString const& description, unsigned int value,
         qvm::smart<PropertyValidator> validator = {});
-    ~UIntProperty() override;
 
     static unsigned int getValue(BaseProperty const& property, unsigned int defaultValue);
     static void setValue(BaseProperty& property, unsigned int value);
@@ -60,7 +59,6 @@ class GENERICUTILITIES_EXPORT U64Property : public BaseProperty {
 public:
     U64Property(QString const& name, QString const& description, unsigned long long value,
         qvm::smart<PropertyValidator> validator = {});
-    ~U64Property() override;
 
     static unsigned long long getValue(BaseProperty const& property, unsigned long long defaultValue);
     static void setValue(BaseProperty& property, unsigned long long value);
@@ -80,7 +78,6 @@ class GENERICUTILITIES_EXPORT StringProperty : public BaseProperty {
 public:
     StringProperty(QString const& name, QString const& description, QString const& value,
         qvm::smart<PropertyValidator> validator = {});
-    ~StringProperty() override;
 
     static QString getValue(BaseProperty const& property, QString const& defaultValue);
     static void setValue(BaseProperty& property, QString const& value);
@@ -100,7 +97,6 @@ class GENERICUTILITIES_EXPORT StringListProperty : public BaseProperty {
 public:
     StringListProperty(QString const& name, QString const& description, QStringList const& value,
         qvm::smart<PropertyValidator> validator = {});
-    ~StringListProperty() override;
 
     static QStringList getValue(BaseProperty const& property, QStringList const& defaultValue);
     static void setValue(BaseProperty& property, QStringList const& value);
@@ -121,7 +117,6 @@ class GENERICUTILITIES_EXPORT FloatProperty : public BaseProperty {
 public:
     FloatProperty(
         QString const& name, QString const& description, float value, qvm::smart<PropertyValidator> validator = {});
-    ~FloatProperty() override;
 
     static float getValue(BaseProperty const& property, float defaultValue);
     static void setValue(BaseProperty& property, float value);
@@ -141,7 +136,6 @@ class GENERICUTILITIES_EXPORT DoubleProperty : public BaseProperty {
 public:
     DoubleProperty(
         QString const& name, QString const& description, double value, qvm::smart<PropertyValidator> validator = {});
-    ~DoubleProperty() override;
 
     static double getValue(BaseProperty const& property, double defaultValue);
     static void setValue(BaseProperty& property, double value);
@@ -161,7 +155,6 @@ class GENERICUTILITIES_EXPORT BoolProperty : public BaseProperty {
 public:
     BoolProperty(
         QString const& name, QString const& description, bool value, qvm::smart<PropertyValidator> validator = {});
-    ~BoolProperty() override;
 
     static bool getValue(BaseProperty const& property, bool defaultValue);
     static void setValue(BaseProperty& property, bool value);
@@ -181,7 +174,6 @@ class GENERICUTILITIES_EXPORT RectProperty : public BaseProperty {
 public:
     RectProperty(
         QString const& name, QString const& description, QRect value, qvm::smart<PropertyValidator> validator = {});
-    ~RectProperty() override;
 
     static QRect getValue(BaseProperty const& property, QRect defaultValue);
     static void setValue(BaseProperty& property, QRect value);
@@ -201,7 +193,6 @@ class GENERICUTILITIES_EXPORT VariantProperty : public BaseProperty {
 public:
     VariantProperty(QString const& name, QString const& description, QVariant const& value,
         qvm::smart<PropertyValidator> validator = {});
-    ~VariantProperty() override;
 
     static QVariant getValue(BaseProperty const& property, QVariant const& defaultValue);
     static void setValue(BaseProperty& property, QVariant const& value);
@@ -221,7 +212,6 @@ class GENERICUTILITIES_EXPORT DateProperty : public BaseProperty {
 public:
     DateProperty(QString const& name, QString const& description, QDate const& value,
         qvm::smart<PropertyValidator> validator = {});
-    ~DateProperty() override;
 
     QDate const& value() const { return m_value; }
 
@@ -239,7 +229,6 @@ class GENERICUTILITIES_EXPORT TimeProperty : public BaseProperty {
 public:
     TimeProperty(QString const& name, QString const& description, QTime const& value,
         qvm::smart<PropertyValidator> validator = {});
-    ~TimeProperty() override;
 
     static QTime getValue(BaseProperty const& property, QTime const& defaultValue);
     static void setValue(BaseProperty& property, QTime const& value);
@@ -259,7 +248,6 @@ class GENERICUTILITIES_EXPORT DateTimeProperty : public BaseProperty {
 public:
     DateTimeProperty(QString const& name, QString const& description, QDateTime const& value,
         qvm::smart<PropertyValidator> validator = {});
-    ~DateTimeProperty() override;
 
     static QDateTime getValue(BaseProperty const& property, QDateTime const& defaultValue);
     static void setValue(BaseProperty& property, QDateTime const& value);
@@ -279,7 +267,6 @@ class GENERICUTILITIES_EXPORT PropertySetProperty : public BaseProperty {
 public:
     PropertySetProperty(QString const& name, QString const& description, PropertySet const& value,
         qvm::smart<PropertyValidator> validator = {});
-    ~PropertySetProperty() override;
 
     static PropertySet getValue(BaseProperty const& property, PropertySet const& defaultValue);
     static void setValue(BaseProperty& property, PropertySet const& value);
