@@ -21,6 +21,26 @@ namespace {
         Expression::registerExpressionClass(ExpressionList()),
     };
 
+    // Half of a surrogate pair as U+FFFD: a database that reads UTF-16 would take it and the quote behind it as one
+    // character, and the text would end where it should not.
+    void replaceLoneSurrogates(QString& text)
+    {
+        for (int i = 0; i < text.size(); ++i) {
+            bool const isPair = text.at(i).isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate();
+            if (isPair)
+                ++i;
+            else if (text.at(i).isSurrogate())
+                text[i] = QChar(QChar::ReplacementCharacter);
+        }
+    }
+
+    // The inside of an SQL text literal.
+    QString sqlText(QString text)
+    {
+        replaceLoneSurrogates(text);
+        return text.replace(QLatin1Char('\''), QLatin1String("''"));
+    }
+
 } // namespace
 
 ConstExpression::ConstExpression(QVariant const& value, bool placeholder)
@@ -63,7 +83,7 @@ void ConstExpression::printValue(QTextStream& out, QVariant const& value, PrintS
     else if (TypeTool::isNumeric(value.type()) || TypeTool::isDate(value.type()))
         out << stringValue(value);
     else if (isSql)
-        out << '\'' << stringValue(value).replace(QLatin1Char('\''), QLatin1String("''")) << '\'';
+        out << '\'' << sqlText(stringValue(value)) << '\'';
     else
         // Not escaped, and dates not quoted: this form is for people to read, and clients compare it with stored texts.
         out << '"' << stringValue(value) << '"';

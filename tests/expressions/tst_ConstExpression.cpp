@@ -20,6 +20,8 @@ class TestConstExpression : public QObject {
 private slots:
     void printedConstant_data();
     void printedConstant();
+    void halfSurrogatePairEndsNoLiteral_data();
+    void halfSurrogatePairEndsNoLiteral();
     void printedPlaceholder_data();
     void printedPlaceholder();
     void printValueKnowsNoPlaceholderFlag();
@@ -32,6 +34,29 @@ private slots:
     void collectedConstant();
     void longTextIsPrintedWhole();
 };
+
+void TestConstExpression::halfSurrogatePairEndsNoLiteral_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("sql");
+    QString const high = QChar(0xD800);
+    QString const low = QChar(0xDC00);
+    QString const replaced = QChar(QChar::ReplacementCharacter);
+    QTest::newRow("first half before the closing quote") << high << '\'' + replaced + '\'';
+    QTest::newRow("first half before an apostrophe") << high + "' OR 1=1 --" << '\'' + replaced + "'' OR 1=1 --'";
+    QTest::newRow("first half twice") << high + high << '\'' + replaced + replaced + '\'';
+    QTest::newRow("second half alone") << low + '\'' << '\'' + replaced + "'''";
+    QTest::newRow("second half before the first") << low + high << '\'' + replaced + replaced + '\'';
+    QTest::newRow("whole pair is kept") << high + low + '\'' << '\'' + high + low + "'''";
+}
+
+void TestConstExpression::halfSurrogatePairEndsNoLiteral()
+{
+    QFETCH(QString, text);
+    QTEST(constant(text).toString(Sql), "sql");
+    QCOMPARE(constant(text).toString(Code), '"' + text + '"');
+    QCOMPARE(ConstExpression(text, true).collectPlaceholders(), QList<QVariant>{text});
+}
 
 void TestConstExpression::printedConstant_data()
 {
