@@ -3,7 +3,7 @@
 
 #include "RecordingDatabase.h"
 
-/// The rows that a condition holds for, found both ways; in ascending order.
+/// The rows that a search finds, both ways, each in its order.
 struct Answer {
     QVector<int> byDatabase;
     QVector<int> inMemory;
@@ -11,10 +11,9 @@ struct Answer {
     double memoryMilliSeconds = 0;
 
     bool agrees() const { return byDatabase == inMemory; }
-    /// Those that only one of the two ways has found.
+    /// Those that only one of the two ways has found, in ascending order.
     QVector<int> onlyByDatabase() const;
     QVector<int> onlyInMemory() const;
 };
 
-Answer answer(qvgen::ExpressionHandle const& condition, RecordingDatabase const& database,
-    QVector<qvgen::PropertySet> const& recordings);
+Answer answer(Search const& search, RecordingDatabase const& database, QVector<qvgen::PropertySet> const& recordings);

@@ -19,8 +19,11 @@ evaluated in memory and printed as SQL, and both must find the same rows.
 
 A set of ready-made searches is always answered. Yours, made of the conditions
 below, follows as the last one. A name, suffix, folder or owner may be given
-several times: one of them must fit.
+several times: one of them must fit. A search file adds the condition it holds,
+and its order where --sort gives none.
 
+  TERMS  columns to sort by, the first one first; -size sorts downwards. Texts
+         are in the order of their UTF-8 bytes, as in SQLite.
   BYTES  a number of bytes, or of units of 1024: 500, 10k, 5M, 1G, 2T
   DATE   2024-05-31 or 2024-05-31T18:30, in UTC; 2024-05-31T18:30+02:00 as well
 
@@ -31,9 +34,11 @@ Examples:
   recordings --folder ~/Videos --modified-after 2024-01-01 --rows 20
   recordings --any --name README --name LICENSE
   recordings --not --owner root
+  recordings --suffix png --sort -size,name --save-search pictures.search
+  recordings --search pictures.search --larger-than 1M
 
 Exit status: 0 on success, 1 if database and memory ever disagree, 2 if the
-command line, the folder or the database is of no use.)";
+command line, the folder, the database or a search file is of no use.)";
 
 QCommandLineOption valued(char const* name, char const* valueName, char const* text)
 {
@@ -54,6 +59,9 @@ void addOptions(QCommandLineParser& parser)
         valued("modified-before", "DATE", "Condition: modified earlier than this."),
         valued("in-folder", "DIR", "Condition: stands in this very folder, not deeper."),
         valued("owner", "NAME", "Condition: belongs to this user."),
+        valued("sort", "TERMS", "Sort your search: -size,name is by size, the largest first, then by name."),
+        valued("search", "FILE", "Condition: the one that --save-search has stored here."),
+        valued("save-search", "FILE", "Store your search, its order included; only another search is overwritten."),
         {QStringLiteral("any"), QStringLiteral("Join the conditions by OR instead of AND.")},
         {QStringLiteral("not"), QStringLiteral("Negate the joined conditions.")},
     });
@@ -154,13 +162,6 @@ QStringList suffixes(QStringList const& lists)
     return result;
 }
 
-bool hasCondition(Options const& options)
-{
-    return !options.names.isEmpty() || !options.suffixes.isEmpty() || !options.folders.isEmpty()
-        || !options.owners.isEmpty() || options.largerThan || options.smallerThan || options.modifiedAfter
-        || options.modifiedBefore;
-}
-
 } // namespace
 
 Options readOptions(QStringList const& arguments)
@@ -194,10 +195,10 @@ Options readOptions(QStringList const& arguments)
     options.smallerThan = reader.bytes("smaller-than");
     options.modifiedAfter = reader.moment("modified-after");
     options.modifiedBefore = reader.moment("modified-before");
+    options.sortTerms = reader.texts("sort");
+    options.searchFile = reader.path("search", QString());
+    options.saveFile = reader.path("save-search", QString());
     options.any = reader.has("any");
     options.negated = reader.has("not");
-    if ((options.any || options.negated) && !hasCondition(options))
-        throw qv::IllegalArgumentException(
-            QStringLiteral("--any and --not need a condition to work on, such as --suffix png"));
     return options;
 }

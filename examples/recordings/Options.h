@@ -21,6 +21,9 @@ struct Options {
     std::optional<qulonglong> smallerThan;
     std::optional<QDateTime> modifiedAfter; ///< In UTC, from 1970 to 2106.
     std::optional<QDateTime> modifiedBefore;
+    QStringList sortTerms; ///< Lists of names, as given.
+    QString searchFile; ///< Absolute and clean, as the next; empty for none.
+    QString saveFile;
     bool any = false; ///< Conditions are joined by OR instead of AND.
     bool negated = false;
 };

@@ -17,21 +17,37 @@ char const connection[] = "recordings";
 /// Marks a database file as one that this program made and may replace.
 constexpr int applicationId = 0x52656373;
 
-/// @p value as SQLite takes it, and as the library's SQL expects it: dates as microseconds.
-QVariant storable(QVariant const& value)
-{
-    if (TypeTool::isDate(value.type()))
-        return TypeTool::dateMicroSeconds(value);
-    if (value.type() == QVariant::String && value.isNull())
-        return QString(QLatin1String("")); // A null text would become NULL, which equals nothing.
-    if (value.type() == QVariant::ULongLong)
-        return value.toLongLong(); // Qt's driver binds an unsigned 64-bit number as text.
-    return value;
-}
-
 QString columnName(QString const& propertyName)
 {
     return QString(propertyName).replace(QLatin1Char(' '), QLatin1Char('_')); // As the library prints it.
+}
+
+QVariant bindable(QVariant const& value)
+{
+    QVariant const stored = storable(value);
+    QString const text = stored.type() == QVariant::String ? stored.toString() : QString();
+    // SQLite takes such a character at the start for a mark of the byte order, and drops it: one more to be dropped.
+    bool const isMark = text.startsWith(QChar(QChar::ByteOrderMark)) || text.startsWith(QChar(QChar::ByteOrderSwapped));
+    return isMark ? QVariant(QChar(QChar::ByteOrderMark) + text) : stored;
+}
+
+QString printedCondition(Search const& search)
+{
+    return search.condition.toString(Expression::StyleSql | Expression::StylePlaceholders).trimmed();
+}
+
+/// The row's id comes last, so that there is but one order.
+QString printedOrder(Search const& search)
+{
+    ExpressionList terms = search.order;
+    terms.append(ValueExpression(QStringLiteral("id"), QString()));
+    return terms.toString(Expression::StyleSql | Expression::StyleOrderTerm);
+}
+
+[[noreturn]] void failSearch(Search const& search, QSqlQuery const& query)
+{
+    throw qv::ExceptionQt(
+        QStringLiteral("SQLite cannot answer '%1': %2").arg(search.title, query.lastError().databaseText()));
 }
 
 } // namespace
@@ -55,6 +71,27 @@ QString columnType(QVariant const& value)
     default:
         return {};
     }
+}
+
+QStringList columnsOf(PropertySet const& recording)
+{
+    QStringList names;
+    for (auto const& property : recording) {
+        if (!columnType(property->variantValue()).isEmpty())
+            names += property->name();
+    }
+    return names;
+}
+
+QVariant storable(QVariant const& value)
+{
+    if (TypeTool::isDate(value.type()))
+        return TypeTool::dateMicroSeconds(value);
+    if (value.type() == QVariant::String && value.isNull())
+        return QString(QLatin1String("")); // A null text would become NULL, which equals nothing.
+    if (value.type() == QVariant::ULongLong)
+        return value.toLongLong(); // Qt's driver binds an unsigned 64-bit number as text.
+    return value;
 }
 
 RecordingDatabase::RecordingDatabase(QString const& file, PropertySet const& prototype)
@@ -88,6 +125,8 @@ void RecordingDatabase::open()
         fail(m_database.lastError().databaseText());
     // Nobody else is to change the rows between two searches.
     value(QStringLiteral("PRAGMA locking_mode = EXCLUSIVE"));
+    // The library's like() tells case apart, SQLite's LIKE by itself does not.
+    value(QStringLiteral("PRAGMA case_sensitive_like = ON"));
 }
 
 void RecordingDatabase::refuseForeign()
@@ -100,13 +139,9 @@ void RecordingDatabase::refuseForeign()
 void RecordingDatabase::createTable(PropertySet const& prototype)
 {
     QStringList columns{QStringLiteral("id INTEGER PRIMARY KEY")};
-    for (auto const& property : prototype) {
-        QString const type = columnType(property->variantValue());
-        if (type.isEmpty())
-            continue;
-        m_columns += property->name();
-        columns += columnName(property->name()) + QLatin1Char(' ') + type;
-    }
+    m_columns = columnsOf(prototype);
+    for (QString const& name : qAsConst(m_columns))
+        columns += columnName(name) + QLatin1Char(' ') + columnType(prototype[name].variantValue());
     // Committed by store(): until then the file keeps what it had.
     value(QStringLiteral("BEGIN IMMEDIATE"));
     value(QStringLiteral("PRAGMA application_id = %1").arg(applicationId));
@@ -125,34 +160,51 @@ void RecordingDatabase::store(QVector<PropertySet> const& recordings, Progress c
     for (int id = 0; id < recordings.size(); ++id) {
         insert.addBindValue(id);
         for (QString const& column : qAsConst(m_columns))
-            insert.addBindValue(storable(recordings.at(id)[column].variantValue()));
+            insert.addBindValue(bindable(recordings.at(id)[column].variantValue()));
         run(insert);
         progress(id + 1);
     }
     value(QStringLiteral("COMMIT"));
 }
 
-QString RecordingDatabase::statement(ExpressionHandle const& condition)
+QString RecordingDatabase::statement(Search const& search)
 {
-    return QStringLiteral("SELECT id FROM recordings WHERE ")
-        + condition.toString(Expression::StyleSql | Expression::StylePlaceholders).trimmed();
+    QString text = QStringLiteral("SELECT id FROM recordings");
+    if (!search.findsAll())
+        text += QStringLiteral(" WHERE ") + printedCondition(search);
+    if (!search.order.isEmpty())
+        text += QStringLiteral(" ORDER BY ") + printedOrder(search);
+    return text;
 }
 
-QVector<int> RecordingDatabase::find(ExpressionHandle const& condition) const
+QSqlQuery RecordingDatabase::prepared(Search const& search) const
 {
     QSqlQuery query(m_database);
     query.setForwardOnly(true);
-    if (!query.prepare(statement(condition)))
-        fail(query.lastError().databaseText());
-    for (QVariant const& bindValue : condition.collectPlaceholders())
-        query.addBindValue(storable(bindValue));
-    run(query);
+    if (!query.prepare(statement(search)))
+        failSearch(search, query);
+    return query;
+}
+
+void RecordingDatabase::check(Search const& search) const
+{
+    prepared(search);
+}
+
+QVector<int> RecordingDatabase::find(Search const& search) const
+{
+    QSqlQuery query = prepared(search);
+    for (QVariant const& bindValue : search.condition.collectPlaceholders())
+        query.addBindValue(bindable(bindValue));
+    if (!query.exec())
+        failSearch(search, query);
     QVector<int> ids;
     while (query.next())
         ids += query.value(0).toInt();
     if (query.lastError().isValid())
-        fail(query.lastError().databaseText());
-    std::sort(ids.begin(), ids.end());
+        failSearch(search, query);
+    if (search.order.isEmpty())
+        std::sort(ids.begin(), ids.end());
     return ids;
 }
 

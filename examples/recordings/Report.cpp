@@ -117,12 +117,16 @@ void Report::catalogue(Catalogue const& catalogue, double seconds)
 void Report::stored(QString const& databaseFile, double seconds)
 {
     field("stored", QStringLiteral("in %1 s, in %2").arg(seconds, 0, 'f', 2).arg(printable(databaseFile)));
-    m_out << '\n';
+}
+
+void Report::saved(QString const& searchFile)
+{
+    field("saved", QStringLiteral("your search, in ") + printable(searchFile));
 }
 
 void Report::properties(PropertySet const& recording)
 {
-    m_out << "A recording is a set of " << recording.count()
+    m_out << "\nA recording is a set of " << recording.count()
           << " properties; most of them are columns of the database\n\n";
     QVector<QStringList> rows;
     for (auto const& property : recording) {
@@ -144,9 +148,7 @@ void Report::properties(PropertySet const& recording)
 void Report::search(Search const& search, Answer const& answer, QVector<PropertySet> const& recordings)
 {
     m_out << ++m_searches << ". " << search.title << "\n\n";
-    field("code", printable(search.condition.toString(Expression::StyleCode).trimmed()));
-    field("SQL", printable(RecordingDatabase::statement(search.condition)));
-    field("values", bindValues(search.condition));
+    condition(search);
     field("found",
         QStringLiteral("%1 by SQLite in %2 ms, %3 in memory in %4 ms: %5")
             .arg(counted(answer.byDatabase.size(), QStringLiteral("row")))
@@ -157,6 +159,18 @@ void Report::search(Search const& search, Answer const& answer, QVector<Property
     rows(answer.inMemory, recordings);
     m_out << '\n';
     m_disagreements += !answer.agrees();
+}
+
+void Report::condition(Search const& search)
+{
+    QString const code = printable(search.condition.toString(Expression::StyleCode).trimmed());
+    field("code", search.findsAll() ? QStringLiteral("none: all recordings") : code);
+    if (!search.order.isEmpty())
+        field("sorted by", search.order.toString(Expression::StyleCode));
+    field("SQL", printable(RecordingDatabase::statement(search)));
+    field("values", bindValues(search.condition));
+    if (!search.note.isEmpty())
+        field("note", search.note);
 }
 
 void Report::rows(QVector<int> const& rows, QVector<PropertySet> const& recordings)
@@ -191,6 +205,8 @@ QString Report::disagreement(Search const& search, Answer const& answer, QVector
 {
     QVector<int> const onlyByDatabase = answer.onlyByDatabase();
     QVector<int> const onlyInMemory = answer.onlyInMemory();
+    if (onlyByDatabase.isEmpty() && onlyInMemory.isEmpty())
+        return QStringLiteral("SQLite and memory find the same rows for '%1', but in another order").arg(search.title);
     int const example = (onlyByDatabase.isEmpty() ? onlyInMemory : onlyByDatabase).value(0);
     return QStringLiteral("SQLite and memory disagree on '%1': %2 only by SQLite, %3 only in memory, such as '%4'")
         .arg(search.title, counted(onlyByDatabase.size(), QStringLiteral("row")),

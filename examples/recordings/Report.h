@@ -16,6 +16,7 @@ public:
 
     void catalogue(Catalogue const& catalogue, double seconds);
     void stored(QString const& databaseFile, double seconds);
+    void saved(QString const& searchFile);
     /// The properties of a recording: name, class, column type, value, description.
     void properties(qvgen::PropertySet const& recording);
     void search(Search const& search, Answer const& answer, QVector<qvgen::PropertySet> const& recordings);
@@ -29,6 +30,7 @@ public:
         Search const& search, Answer const& answer, QVector<qvgen::PropertySet> const& recordings);
 
 private:
+    void condition(Search const& search);
     void field(char const* name, QString const& text);
     void rows(QVector<int> const& rows, QVector<qvgen::PropertySet> const& recordings);
 

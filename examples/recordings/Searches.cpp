@@ -1,8 +1,15 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "Searches.h"
 
+#include "SearchFile.h"
+#include "Sorting.h"
+#include "SqliteFunctions.h"
+
 #include <GenericUtilities/expressions/BooleanOperators.h>
 #include <GenericUtilities/expressions/Comparator.h>
+#include <GenericUtilities/expressions/Functions.h>
+#include <GenericUtilities/expressions/NumericOperators.h>
+#include <qvbase/Exceptions.h>
 
 using namespace qvgen;
 
@@ -43,9 +50,7 @@ void appendChoice(ExpressionList& conditions, BaseProperty const& property, QStr
         conditions.append(oneOf(property, QVariant(values).toList()));
 }
 
-} // namespace
-
-QVector<Search> readyMadeSearches(PropertySet const& recording, QDate const& today)
+QVector<Search> comparisons(PropertySet const& recording, QDate const& today)
 {
     auto const& age = recording["age"];
     auto const& day = recording["day"];
@@ -81,9 +86,38 @@ QVector<Search> readyMadeSearches(PropertySet const& recording, QDate const& tod
     };
 }
 
-std::optional<Search> requestedSearch(PropertySet const& recording, Options const& options)
+QVector<Search> calculations(PropertySet const& recording)
 {
-    ExpressionList conditions;
+    auto const& age = recording["age"];
+    auto const& depth = recording["depth"];
+    auto const& name = recording["name"];
+    auto const& size = recording["size"];
+    auto const& stem = recording["stem"];
+    ExpressionHandle const nameText = ValueExpression(name, QString());
+    ExpressionHandle const sizeNumber = ValueExpression(size, QString());
+
+    return {
+        {"Configuration files, by a pattern", like(nameText, "%.conf"), {},
+            "LIKE tells case apart here, as in memory: PRAGMA case_sensitive_like is ON"},
+        // A stem whose letters are ASCII ones only in ASCII: SQLite's lower() knows no others.
+        {"Read-me files in any case, the largest first", lower(ValueExpression(stem, QString())) == "readme",
+            -size << name},
+        {"Names of more than 40 characters", characters(nameText) > 40, {},
+            "a function of this program: the library's length() counts UTF-16 code units, SQLite's characters"},
+        {"Whole blocks of 512 bytes", size > 0 && remainder(sizeNumber, ConstExpression(512, true)) == 0, {},
+            "a function of this program: size % 512 would print as size mod 512, which is not SQLite's"},
+        {"Whole pages of 4096 bytes, told by their hexadecimal size", like(hex(sizeNumber), "%000"), {},
+            "SQLite's hex(size) would give the bytes of a text: printf() takes its place by "
+            "registerSqlPrintFunction()"},
+        {"Ten years old to the nearest year, or one year within a week",
+            round(age / 365.0) == 10.0 || abs(age - 365.0) <= 7.0},
+        // Without a value at the top, where the depth is 0.
+        {"A megabyte or more for each folder above", coalesce((size / depth) << size) >= MiB},
+    };
+}
+
+void appendConditions(ExpressionList& conditions, PropertySet const& recording, Options const& options)
+{
     appendChoice(conditions, recording["name"], options.names);
     appendChoice(conditions, recording["suffix"], options.suffixes);
     appendChoice(conditions, recording["folder"], options.folders);
@@ -96,12 +130,37 @@ std::optional<Search> requestedSearch(PropertySet const& recording, Options cons
         conditions.append(recording["modified"] > *options.modifiedAfter);
     if (options.modifiedBefore)
         conditions.append(recording["modified"] < *options.modifiedBefore);
-    if (conditions.isEmpty())
-        return {};
+}
 
-    ExpressionHandle condition
+/// The condition that @p stored has, if any, joined to those of the options.
+ExpressionHandle requestedCondition(Search const& stored, PropertySet const& recording, Options const& options)
+{
+    ExpressionList conditions;
+    if (!stored.findsAll())
+        conditions.append(stored.condition);
+    appendConditions(conditions, recording, options);
+    if (conditions.isEmpty() && (options.any || options.negated))
+        throw qv::IllegalArgumentException(
+            QStringLiteral("--any and --not need a condition to work on, such as --suffix png"));
+    ExpressionHandle const joined
         = BooleanOperator::join(conditions, options.any ? BooleanOperator::Or : BooleanOperator::And);
-    if (options.negated)
-        condition = !condition;
-    return Search{"Your search", condition};
+    return options.negated ? ExpressionHandle(!joined) : joined;
+}
+
+} // namespace
+
+QVector<Search> readyMadeSearches(PropertySet const& recording, QDate const& today)
+{
+    return comparisons(recording, today) + calculations(recording);
+}
+
+std::optional<Search> requestedSearch(PropertySet const& recording, Options const& options)
+{
+    bool const isStored = !options.searchFile.isEmpty();
+    Search search = isStored ? readSearchFile(options.searchFile, recording) : Search{"Your search", {}};
+    if (!options.sortTerms.isEmpty())
+        search.order = sortTerms(options.sortTerms, recording);
+    search.condition = requestedCondition(search, recording, options);
+    bool const isAsked = isStored || !search.findsAll() || !search.order.isEmpty();
+    return isAsked ? std::optional(search) : std::nullopt;
 }

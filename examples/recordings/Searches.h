@@ -2,22 +2,18 @@
 #pragma once
 
 #include "Options.h"
+#include "Search.h"
 
-#include <GenericUtilities/expressions/Expression.h>
 #include <GenericUtilities/properties/PropertySet.h>
 
 #include <QVector>
 
 #include <optional>
 
-struct Search {
-    QString title;
-    qvgen::ExpressionHandle condition;
-};
-
-/// Searches that show what conditions can be made of. @p recording is any recording: conditions refer to properties
-/// by name, not to their values.
+/// Searches that show what conditions can be made of; addSqliteFunctions() must have been called. @p recording is any
+/// recording: conditions refer to properties by name, not to their values.
 QVector<Search> readyMadeSearches(qvgen::PropertySet const& recording, QDate const& today);
 
-/// The search that the command line asks for; none where it names no condition.
+/// The search that the command line asks for; none where it names no condition, order or file. Throws qv::ExceptionQt
+/// with one line for the user where they are of no use.
 std::optional<Search> requestedSearch(qvgen::PropertySet const& recording, Options const& options);

@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 // Catalogues the files beneath a folder as property sets, in memory and in SQLite, and answers searches in both ways.
 // Recording.cpp describes a file by properties; Searches.cpp builds conditions over them; RecordingDatabase.cpp has
-// them printed as SQL and binds their values; Answer.cpp evaluates them in memory and compares. Run it with --help.
+// them printed as SQL and binds their values; Answer.cpp evaluates them in memory and compares. SqliteFunctions.cpp
+// fits functions to the database; SearchFile.cpp stores a search, SearchCheck.cpp judges one from outside. Run it with
+// --help.
 
 #include "Answer.h"
 #include "Options.h"
 #include "Recording.h"
 #include "Report.h"
+#include "SearchFile.h"
+#include "SqliteFunctions.h"
 #include "Text.h"
 
 #include <qvbase/Exceptions.h>
@@ -77,25 +81,41 @@ template <class Work> double secondsFor(char const* verb, Work const& work)
     return static_cast<double>(timer.elapsed()) / 1e3;
 }
 
+void save(std::optional<Search> const& search, QString const& file)
+{
+    if (!search)
+        throw qv::IllegalArgumentException(
+            QStringLiteral("--save-search needs a search to store, such as --suffix png --sort -size"));
+    writeSearchFile(file, *search);
+}
+
 int run(Options const& options)
 {
-    // Both are opened before the long walk, so that a wrong name is told at once.
+    // All files are opened before the long walk, so that a wrong name is told at once.
+    addSqliteFunctions();
     Catalogue catalogue(options.folder);
     qvgen::PropertySet const prototype = RecordingMaker::prototype();
+    std::optional<Search> const requested = requestedSearch(prototype, options);
     RecordingDatabase database(options.database, prototype);
+    if (requested)
+        database.check(*requested);
+    if (!options.saveFile.isEmpty())
+        save(requested, options.saveFile);
 
     QTextStream out(stdout);
     Report report(out, terminalWidth(), options.shownRows);
     report.catalogue(catalogue, secondsFor("Indexing", [&](Progress const& progress) { catalogue.index(progress); }));
     report.stored(database.file(),
         secondsFor("Storing", [&](Progress const& progress) { database.store(catalogue.recordings(), progress); }));
+    if (!options.saveFile.isEmpty())
+        report.saved(options.saveFile);
     report.properties(catalogue.recordings().isEmpty() ? prototype : catalogue.recordings().constFirst());
 
     QVector<Search> searches = readyMadeSearches(prototype, QDateTime::currentDateTimeUtc().date());
-    if (auto const requested = requestedSearch(prototype, options))
+    if (requested)
         searches += *requested;
     for (Search const& search : qAsConst(searches)) {
-        Answer const found = answer(search.condition, database, catalogue.recordings());
+        Answer const found = answer(search, database, catalogue.recordings());
         report.search(search, found, catalogue.recordings());
         out.flush();
         if (!found.agrees())

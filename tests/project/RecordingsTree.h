@@ -38,6 +38,17 @@ struct RecordingsResult {
         QStringList const lines = output.split(QLatin1Char('\n')).filter(start);
         return lines.isEmpty() ? QString() : lines.constLast().mid(start.size());
     }
+    /// The names of the files that the search the options ask for shows, in its order.
+    QStringList lastFiles() const
+    {
+        QString const table = lastSearch().section("\n\n", 1, 1);
+        QStringList names;
+        for (QString const& line : table.split('\n').mid(1)) {
+            if (line.startsWith(QLatin1String("    ")))
+                names += line.simplified().section(' ', 0, 0);
+        }
+        return names;
+    }
 };
 
 /// A folder "tree" of 7 files in 3 folders, and the example run on it. The folder around it is made the current one.

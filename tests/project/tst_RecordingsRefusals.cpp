@@ -55,6 +55,20 @@ void RecordingsRefusalsTest::refusal_data()
     row("rows that are no number", {"--rows", "all"}, "--rows takes a number from 0 on, not 'all'");
     row("OR of nothing", {"--any"}, "--any and --not need a condition to work on, such as --suffix png");
     row("negation of nothing", {"--not"}, "--any and --not need a condition to work on, such as --suffix png");
+    row("sort by an unknown column", {"--sort", "size,colour"},
+        "--sort takes columns such as size or -modified, not 'colour'");
+    row("sort by what is no column", {"--sort", "-path"},
+        "--sort takes columns such as size or -modified, not '-path'");
+    row("sort by the id", {"--sort", "id"}, "--sort takes columns such as size or -modified, not 'id'");
+    row("sort by SQL", {"--sort", "size; DROP TABLE recordings"},
+        "--sort takes columns such as size or -modified, not 'size; DROP TABLE recordings'");
+    row("sort with an upward sign", {"--sort", "+size"}, "--sort takes columns such as size or -modified, not '+size'");
+    row("sort with two signs", {"--sort", "--size"}, "--sort takes columns such as size or -modified, not '--size'");
+    row("sort by nothing", {"--sort", ""}, "--sort takes columns such as size or -modified, not ''");
+    row("sort by an empty term", {"--sort", "size,"}, "--sort takes columns such as size or -modified, not ''");
+    row("nothing to save", {"--save-search", "x"},
+        "--save-search needs a search to store, such as --suffix png --sort -size");
+    row("empty name of a search file", {"--search", ""}, "--search takes a path, not ''");
     row("argument without option", {"stray"}, "unexpected argument 'stray' (see --help)");
     row("unknown option", {"--colour"}, "Unknown option 'colour'.");
     row("option without its value", {"--rows"}, "Missing value after '--rows'.");
