@@ -4,6 +4,7 @@
 #include <qvbase/Mutex.h>
 
 #include <QDateTime>
+#include <QFileInfo>
 #include <QHash>
 #include <QTimeZone>
 
@@ -21,14 +22,28 @@ namespace {
         return -maxOffsetSeconds <= seconds && seconds <= maxOffsetSeconds;
     }
 
-    // Qt opens the file that a name leads to: without dots it stays in the folder of the system's zones.
-    bool isFileOfZone(QByteArray const& id)
+    bool isName(QByteArray const& id)
     {
         auto const isAllowed = [](char c) {
             return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '+'
-                || c == '-' || c == '/';
+                || c == '-' || c == ':' || c == '/';
         };
-        return !id.startsWith('/') && std::all_of(id.begin(), id.end(), isAllowed);
+        return !id.isEmpty() && !id.startsWith('/') && !id.contains("//")
+            && std::all_of(id.begin(), id.end(), isAllowed);
+    }
+
+    // Whether the system has a zone of this name. Qt would also open any file that a name leads to, and make a zone of
+    // any text that looks like a rule for one: of these there is no end.
+    bool isKnownToSystem(QByteArray const& id)
+    {
+        static auto const* const ids = new QList<QByteArray>(QTimeZone::availableTimeZoneIds()); // sorted
+        if (std::binary_search(ids->begin(), ids->end(), id) || id == QTimeZone::systemTimeZoneId())
+            return true;
+        // Older names of zones are files only.
+        QString const file = QString::fromLatin1(id);
+        return isName(id)
+            && (QFileInfo(QStringLiteral("/usr/share/zoneinfo/") + file).isFile()
+                || QFileInfo(QStringLiteral("/usr/lib/zoneinfo/") + file).isFile());
     }
 
     // Invalid for a name that no zone has. Zones are kept, since making one reads a file; the system has some hundreds.
@@ -37,10 +52,10 @@ namespace {
         static auto* const mutex = new qv::Mutex;
         static auto* const zones = new QHash<QByteArray, QTimeZone>;
         qv::MutexLocker const locker(*mutex);
-        auto const known = zones->constFind(id);
-        if (known != zones->constEnd())
-            return known.value();
-        QTimeZone const zone = isFileOfZone(id) || QTimeZone::isTimeZoneIdAvailable(id) ? QTimeZone(id) : QTimeZone();
+        auto const found = zones->constFind(id);
+        if (found != zones->constEnd())
+            return found.value();
+        QTimeZone const zone = isKnownToSystem(id) ? QTimeZone(id) : QTimeZone();
         if (zone.isValid())
             zones->insert(id, zone);
         return zone;
@@ -58,7 +73,7 @@ namespace {
         in >> id >> offsetSeconds >> name >> abbreviation >> country >> comment;
         QTimeZone const known = zoneOf(id.toUtf8());
         bool const isCountry = country >= 0 && country <= QLocale::LastCountry;
-        if (known.isValid() || id.isEmpty() || !isOffset(offsetSeconds) || !isCountry)
+        if (known.isValid() || !isName(id.toUtf8()) || !isOffset(offsetSeconds) || !isCountry)
             return known;
         return {id.toUtf8(), offsetSeconds, name, abbreviation, static_cast<QLocale::Country>(country), comment};
     }
@@ -70,13 +85,19 @@ namespace {
         return id == QLatin1String("OffsetFromUtc") ? readOffsetZone(in) : zoneOf(id.toUtf8());
     }
 
+    QDateTime corrupt(QDataStream& in)
+    {
+        in.setStatus(QDataStream::ReadCorruptData);
+        return {};
+    }
+
     // Stored; a byte that is none of these would crash Qt when the date is written again.
     enum Clock : qint8 { Local = 0, Utc = 1, Offset = 2, Zone = 3 };
 
-    QVariant readFrom52(QDataStream& in, qint8 clock, QDate date, QTime time)
+    QDateTime readFrom52(QDataStream& in, qint8 clock, QDate date, QTime time)
     {
         if (clock == Local || clock == Utc)
-            return QDateTime(date, time, clock == Utc ? Qt::UTC : Qt::LocalTime);
+            return {date, time, clock == Utc ? Qt::UTC : Qt::LocalTime};
         if (clock == Offset) {
             qint32 seconds = 0;
             in >> seconds;
@@ -89,8 +110,8 @@ namespace {
         return corrupt(in);
     }
 
-    // Other kinds than local and UTC had their byte, but lost their offset or zone; 5.0 wrote the time in UTC always.
-    QVariant readAs50(QDataStream& in, qint8 clock, QDate date, QTime time)
+    // Qt 5.0 wrote the time in UTC whatever the clock; offsets and zones got lost.
+    QDateTime readAs50(QDataStream& in, qint8 clock, QDate date, QTime time)
     {
         if (clock < Local || clock > Zone)
             return corrupt(in);
@@ -98,7 +119,8 @@ namespace {
         return clock == Local || clock == Zone ? moment.toLocalTime() : moment;
     }
 
-    QVariant readBefore52(QDataStream& in, qint8 clock, QDate date, QTime time)
+    // Local time with an unknown, a standard or a summer offset; UTC; an offset or a zone that got lost.
+    QDateTime readBefore52(QDataStream& in, qint8 clock, QDate date, QTime time)
     {
         constexpr Qt::TimeSpec specs[] = {Qt::LocalTime, Qt::LocalTime, Qt::LocalTime, Qt::UTC, Qt::UTC, Qt::LocalTime};
         constexpr qint8 lowest = -1;
@@ -108,13 +130,13 @@ namespace {
 
 } // namespace
 
-QVariant readDateTime(QDataStream& in)
+QDateTime readDateTime(QDataStream& in)
 {
     QDate date;
     QTime time;
     qint8 clock = 0;
     in >> date >> time >> clock;
-    if (!isOk(in))
+    if (in.status() != QDataStream::Ok)
         return {};
     if (in.version() >= QDataStream::Qt_5_2)
         return readFrom52(in, clock, date, time);

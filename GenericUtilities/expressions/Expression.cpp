@@ -2,7 +2,7 @@
 #include <GenericUtilities/expressions/Expression.h>
 
 #include <GenericUtilities/expressions/NodeRules_p.h>
-#include <GenericUtilities/expressions/PatternBounds_p.h>
+#include <GenericUtilities/expressions/ValueCost_p.h>
 #include <GenericUtilities/properties/PropertySet.h>
 
 #include <QDateTime>
@@ -176,8 +176,11 @@ QVariant CastExpression::evaluate(PropertySet const& properties, bool* isConstan
 {
     if (isTooDeep())
         return tooDeep(isConstant);
+    Evaluation const evaluation;
     QVariant value = m_operand.evaluate(properties, isConstant);
     auto const target = static_cast<int>(m_target);
+    if (value.userType() != target && !mayConvert(value))
+        return {};
     if (!QMetaType::isRegistered(target) || !value.canConvert(target))
         return TypeTool::castDate(value, m_target);
     value.convert(target);

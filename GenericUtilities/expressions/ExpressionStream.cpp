@@ -48,22 +48,6 @@ namespace {
         return QString::fromLatin1(key.get());
     }
 
-    // Counts the records that are being read inside one another on this thread.
-    class Nesting {
-    public:
-        Nesting() { ++s_depth; }
-        ~Nesting() { --s_depth; }
-        Nesting(Nesting const&) = delete;
-        Nesting& operator=(Nesting const&) = delete;
-
-        bool isTooDeep() const { return s_depth > Expression::MaxDepth; }
-
-    private:
-        static thread_local int s_depth;
-    };
-
-    thread_local int Nesting::s_depth = 0;
-
 } // namespace
 
 QMap<QString, ExpressionHandle>& Expression::expressionClassMap()
@@ -105,8 +89,8 @@ QDataStream& operator<<(QDataStream& out, ExpressionHandle expression)
 
 ExpressionHandle Expression::readExpression(QDataStream& in)
 {
-    Nesting const nesting;
-    if (nesting.isTooDeep()) {
+    Reading const reading;
+    if (reading.isTooDeep()) {
         in.setStatus(QDataStream::ReadCorruptData);
         return {};
     }

@@ -2,11 +2,13 @@
 #include <GenericUtilities/expressions/Functions.h>
 
 #include <GenericUtilities/expressions/NodeRules_p.h>
-#include <GenericUtilities/expressions/PatternBounds_p.h>
+#include <GenericUtilities/expressions/ValueCost_p.h>
 #include <GenericUtilities/properties/PropertySet.h>
 #include <qvbase/Log.h>
 
 #include <QTextStream>
+
+#include <algorithm>
 
 namespace qvgen {
 
@@ -166,7 +168,7 @@ QVariant FunctionExpression::evaluate(PropertySet const& properties, bool* isCon
     }
     auto const entry = functionMap().constFind(m_name);
     bool const isKnown = entry != functionMap().constEnd() && entry->evaluate;
-    return isKnown ? entry->evaluate(values) : QVariant();
+    return isKnown && std::all_of(values.cbegin(), values.cend(), mayConvert) ? entry->evaluate(values) : QVariant();
 }
 
 FunctionExpression* FunctionExpression::clone() const

@@ -10,7 +10,8 @@ namespace qvgen {
 
 /// A call of a function by its name. What the name means stands in one registry of the process, which clients extend.
 ///
-/// A name that is not registered, and a built-in function that gets too few values, evaluate to an invalid value.
+/// A name that is not registered, and a built-in function without the values that it needs, evaluate to an invalid
+/// value. (How many it needs is not checked against the registry: `coalesce` of one value is that value.)
 class GENERICUTILITIES_EXPORT FunctionExpression : public Operator {
 public:
     /// Computes the value of a call from those of its operands, however many there are. Must be reentrant where trees

@@ -5,27 +5,41 @@
 #include <QString>
 
 /// What QRegExp is allowed to work on. It cannot be interrupted, its parser recurses with the nesting of a pattern, and
-/// its time and memory can grow with the cube of one: so patterns and subjects are judged before it runs. Not
-/// installed.
+/// its time and memory can grow with the square of a pattern and a power of the subject: so patterns and subjects are
+/// judged before it runs. Not installed.
 namespace qvgen {
 
-/// What the time and memory of a pattern depend on.
+/// What the time and memory of a pattern depend on. QRegExp compiles it to an automaton whose states are the characters
+/// and classes of the pattern, counted repeats multiplied out.
 struct PatternShape {
+    static constexpr int MaxLength = 1024;
+    static constexpr double MaxItems = 2100;
+
     int length = 0; ///< Code units.
     int nesting = 0; ///< Parentheses open at once.
-    int lookaheads = 0;
-    qint64 items = 0; ///< Characters and classes, counted repeats multiplied out.
-    qint64 optional = 0; ///< Those of them that may be left out or repeated.
-    qint64 repeated = 0; ///< Those of them inside groups that are repeated.
+    int captures = 0; ///< Parentheses that capture.
+    bool hasLookaheads = false;
+    /// How many times the time of a match is multiplied by the work of one more: 1 for a lookahead, and for each that
+    /// it stands in, 1 for back-references.
+    int detours = 0;
+    double items = 0; ///< Characters, classes, groups and anchors, counted repeats multiplied out.
+    double transitions = 0; ///< Ways from one state to the next; those that take longer count as several.
 
+    static bool isWithinBounds(double items, double transitions);
     bool isBounded() const;
     /// Estimates, meant to lie above what was measured.
+    double bytes() const;
     double compileNanoseconds() const;
-    double matchNanoseconds(int subjectLength) const;
+    double matchNanoseconds(int subjectLength, Qt::CaseSensitivity sensitivity) const;
+
+private:
+    double stepNanoseconds(Qt::CaseSensitivity sensitivity) const;
 };
 
-/// The shape of a regular expression (or, by their own rules, of a wildcard pattern or a fixed text).
+/// The shape of a pattern. Where it exceeds the bounds, they may be all that is known of it.
 PatternShape shapeOf(QString const& pattern, QRegExp::PatternSyntax syntax);
+/// The shape of what a LIKE pattern becomes.
+PatternShape shapeOfLike(QString const& pattern);
 
 /// One evaluation of a tree, from the outermost operator down, on this thread. The patterns of one evaluation share an
 /// allowance of time, so that no tree, whatever its origin, keeps the process busy.

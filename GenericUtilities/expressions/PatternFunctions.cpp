@@ -19,13 +19,30 @@ namespace {
         return *mutex;
     }
 
+    // The caches drop by number alone. So that they stay small whatever the patterns are, both are emptied where those
+    // put into them since may have grown to this.
+    constexpr double maxCachedBytes = 8e6;
+    double cachedBytes = 0;
+
+    void makeRoom(double bytes)
+    {
+        cachedBytes += bytes;
+        if (cachedBytes <= maxCachedBytes)
+            return;
+        FunctionExpression::gLikeCache.clear();
+        FunctionExpression::gRegExpCache.clear();
+        cachedBytes = bytes;
+    }
+
     // A copy of the cached pattern of that key, made by `compile` where there is none. Copies share what was compiled,
     // but match independently of one another.
-    template <class Compile> QRegExp cached(QCache<QString, QRegExp>& cache, QString const& key, Compile const& compile)
+    template <class Compile>
+    QRegExp cached(QCache<QString, QRegExp>& cache, QString const& key, double bytes, Compile const& compile)
     {
         qv::MutexLocker const locker(cacheMutex());
         if (QRegExp const* const found = cache.object(key))
             return *found;
+        makeRoom(bytes);
         auto* const compiled = new QRegExp(compile());
         QRegExp copy = *compiled;
         cache.insert(key, compiled, 1);
@@ -39,10 +56,10 @@ namespace {
     }
 
     // Whether a match of this cost may run in the evaluation at hand.
-    bool isAffordable(
-        PatternShape const& shape, int subjectLength, QCache<QString, QRegExp> const& cache, QString const& key)
+    bool isAffordable(PatternShape const& shape, Qt::CaseSensitivity sensitivity, int subjectLength,
+        QCache<QString, QRegExp> const& cache, QString const& key)
     {
-        return shape.isBounded() && Evaluation::allows(shape.matchNanoseconds(subjectLength))
+        return shape.isBounded() && Evaluation::allows(shape.matchNanoseconds(subjectLength, sensitivity))
             && (isCached(cache, key) || Evaluation::allows(shape.compileNanoseconds()));
     }
 
@@ -103,9 +120,9 @@ namespace {
     {
         PatternShape const shape = shapeOf(expression.pattern(), expression.patternSyntax());
         QCache<QString, QRegExp>& cache = FunctionExpression::gRegExpCache;
-        if (!isAffordable(shape, subject.size(), cache, key))
+        if (!isAffordable(shape, expression.caseSensitivity(), subject.size(), cache, key))
             return {};
-        return cached(cache, key, [&] { return uncompiled(expression); }).exactMatch(subject);
+        return cached(cache, key, shape.bytes(), [&] { return uncompiled(expression); }).exactMatch(subject);
     }
 
 } // namespace
@@ -118,11 +135,11 @@ QVariant FunctionExpression::like(QList<QVariant> const& values)
     QString const pattern = values.at(1).toString();
     QString const escape = values.value(2).toString();
     QString const key = likeKey(pattern, escape);
-    PatternShape const shape = shapeOf(pattern, QRegExp::FixedString);
-    if (!isAffordable(shape, subject.size(), gLikeCache, key))
+    PatternShape const shape = shapeOfLike(pattern);
+    if (!isAffordable(shape, Qt::CaseSensitive, subject.size(), gLikeCache, key))
         return {};
     auto const compile = [&] { return QRegExp(expressionOfLike(pattern, escape), Qt::CaseSensitive, QRegExp::RegExp); };
-    return cached(gLikeCache, key, compile).exactMatch(subject);
+    return cached(gLikeCache, key, shape.bytes(), compile).exactMatch(subject);
 }
 
 QVariant FunctionExpression::regexp(QList<QVariant> const& values)

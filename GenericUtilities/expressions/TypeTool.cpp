@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <GenericUtilities/expressions/TypeToolRules_p.h>
 
+#include <GenericUtilities/expressions/ValueCost_p.h>
 #include <GenericUtilities/util/Clamp.h>
 #include <qvbase/Exceptions.h>
 
@@ -74,6 +75,20 @@ namespace {
         if (__builtin_sub_overflow(a, b, &exact))
             return a < b ? sortsBefore : sortsAfter;
         return static_cast<int>(std::clamp<qint64>(exact, sortsBefore, sortsAfter));
+    }
+
+    int elementCount(QVariant const& list)
+    {
+        return static_cast<int>(
+            list.type() == QVariant::StringList ? sizeOf<QStringList>(list) : sizeOf<QVariantList>(list));
+    }
+
+    // The elements of a list that matter beside one of @p count; one more tells which is longer.
+    QVariantList leading(QVariant const& list, int count)
+    {
+        if (list.type() == QVariant::List)
+            return list.toList();
+        return QVariant(QStringList(static_cast<QStringList const*>(list.constData())->mid(0, count + 1))).toList();
     }
 
 } // namespace
@@ -166,8 +181,8 @@ int TypeTool::compare(QVariant const& a, QVariant const& b)
     if (isDateWithPartner(a.type(), b.type()) || isDateWithPartner(b.type(), a.type()))
         return difference(dateMicroSeconds(a), dateMicroSeconds(b));
     if (isList(a.type()) && isList(b.type()))
-        return compareList(a.toList(), b.toList());
-    if (isText(a) && isText(b))
+        return compareList(leading(a, elementCount(b)), leading(b, elementCount(a)));
+    if (isText(a) && isText(b) && (a.type() == b.type() || (mayConvert(a) && mayConvert(b))))
         return QString::compare(a.toString(), b.toString(), Qt::CaseSensitive);
     m_ok = false;
     return 0;
@@ -193,7 +208,7 @@ bool TypeTool::equals(QVariant const& a, QVariant const& b)
     if (m_ok)
         return order == 0;
     QVariant::Type const common = coerceOtherTypes(a, b);
-    m_ok = common != QVariant::Invalid;
+    m_ok = common != QVariant::Invalid && mayConvert(a) && mayConvert(b);
     if (!m_ok)
         return false;
     // The outcomes are compared, not the values: values without an order count as equal where both are of one kind.

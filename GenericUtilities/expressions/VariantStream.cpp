@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <GenericUtilities/expressions/VariantStream_p.h>
 
+#include <GenericUtilities/expressions/Expression.h>
 #include <GenericUtilities/expressions/PatternBounds_p.h>
 
-#include <QDataStream>
-#include <QDate>
+#include <QDateTime>
 #include <QRect>
 #include <QRegExp>
 #include <QStringList>
+
+#include <algorithm>
+#include <vector>
 
 namespace qvgen {
 
@@ -17,11 +20,19 @@ namespace {
 
     QVariant readValue(QDataStream& in, int containerDepth);
 
-    template <class Value> QVariant readPlain(QDataStream& in)
+    void setCorrupt(QDataStream& in)
     {
-        Value value{};
-        in >> value;
-        return QVariant::fromValue(value);
+        in.setStatus(QDataStream::ReadCorruptData);
+    }
+
+    bool isOk(QDataStream const& in)
+    {
+        return in.status() == QDataStream::Ok;
+    }
+
+    template <class Value> void readPlain(QDataStream& in, void* value, int)
+    {
+        in >> *static_cast<Value*>(value);
     }
 
     // Calls `readElement` as often as the stored count says, as long as there is something to read.
@@ -33,36 +44,78 @@ namespace {
             readElement();
     }
 
-    QVariant readStringList(QDataStream& in)
+    void readStringList(QDataStream& in, void* value, int)
     {
-        QStringList list;
         readElements(in, [&] {
             QString text;
             in >> text;
-            list.append(text);
+            static_cast<QStringList*>(value)->append(text);
         });
-        return list;
     }
 
-    QVariant readList(QDataStream& in, int depth)
+    // Elements that may be containers themselves.
+    template <class ReadElement> void readNested(QDataStream& in, int depth, ReadElement const& readElement)
     {
-        QVariantList list;
-        readElements(in, [&] { list.append(readValue(in, depth)); });
-        return list;
+        if (depth >= maxContainerDepth)
+            setCorrupt(in);
+        else
+            readElements(in, readElement);
     }
 
-    template <class Map> QVariant readMap(QDataStream& in, int depth)
+    void readList(QDataStream& in, void* value, int depth)
     {
-        Map map;
-        readElements(in, [&] {
+        readNested(in, depth, [&] { static_cast<QVariantList*>(value)->append(readValue(in, depth + 1)); });
+    }
+
+    // Many keys of one hash value turn a hash, or a cast to one, into a list that is searched from end to end. The seed
+    // of hashes does not prevent that: keys of one length collide for every seed or for none.
+    bool areSpread(QVariantMap const& map)
+    {
+        constexpr std::size_t maxEqual = 100;
+        auto const seed = static_cast<uint>(qGlobalQHashSeed());
+        std::vector<uint> hashes;
+        for (auto each = map.keyBegin(); each != map.keyEnd(); ++each)
+            hashes.push_back(qHash(*each, seed));
+        std::sort(hashes.begin(), hashes.end());
+        for (std::size_t i = maxEqual; i < hashes.size(); ++i) {
+            if (hashes[i] == hashes[i - maxEqual])
+                return false;
+        }
+        return true;
+    }
+
+    void readMap(QDataStream& in, void* value, int depth)
+    {
+        auto& map = *static_cast<QVariantMap*>(value);
+        readNested(in, depth, [&] {
             QString key;
             in >> key;
-            map.insert(key, readValue(in, depth));
+            map.insert(key, readValue(in, depth + 1));
         });
-        return map;
+        if (!areSpread(map))
+            setCorrupt(in);
     }
 
-    QVariant readRegExp(QDataStream& in)
+    void readHash(QDataStream& in, void* value, int depth)
+    {
+        QVariantMap map;
+        readMap(in, &map, depth);
+        auto& hash = *static_cast<QVariantHash*>(value);
+        for (auto each = map.cbegin(); each != map.cend() && isOk(in); ++each)
+            hash.insert(each.key(), each.value());
+    }
+
+    void readDateTimeInto(QDataStream& in, void* value, int)
+    {
+        *static_cast<QDateTime*>(value) = readDateTime(in);
+    }
+
+    bool isBounded(PatternShape const& shape)
+    {
+        return shape.isBounded() && Reading::allows(shape.bytes());
+    }
+
+    void readRegExp(QDataStream& in, void* value, int)
     {
         QString pattern;
         quint8 caseSensitive = 0;
@@ -70,102 +123,126 @@ namespace {
         quint8 isMinimal = 0;
         in >> pattern >> caseSensitive >> syntax >> isMinimal;
         if (!isOk(in))
-            return {};
-        if (syntax > QRegExp::W3CXmlSchema11
-            || !shapeOf(pattern, static_cast<QRegExp::PatternSyntax>(syntax)).isBounded())
-            return corrupt(in);
-        // Set in place: any other way copies the expression, which compiles its pattern.
-        QVariant value = QRegExp();
-        auto* const expression = static_cast<QRegExp*>(value.data());
+            return;
+        auto const patternSyntax = static_cast<QRegExp::PatternSyntax>(syntax);
+        if (syntax > QRegExp::W3CXmlSchema11 || !isBounded(shapeOf(pattern, patternSyntax)))
+            return setCorrupt(in);
+        auto* const expression = static_cast<QRegExp*>(value);
         expression->setPattern(pattern);
         expression->setCaseSensitivity(caseSensitive ? Qt::CaseSensitive : Qt::CaseInsensitive);
-        expression->setPatternSyntax(static_cast<QRegExp::PatternSyntax>(syntax));
+        expression->setPatternSyntax(patternSyntax);
         expression->setMinimal(isMinimal);
-        return value;
+        // The first copy compiles the pattern, in the original. Made here, no two threads do so at once.
+        static_cast<void>(QRegExp(*expression));
+    }
+
+    struct StoredType {
+        int type;
+        // Reads into a default-constructed value of the type.
+        void (*read)(QDataStream& in, void* value, int containerDepth);
+    };
+
+    // What a constant may be; any other type is refused.
+    constexpr StoredType storedTypes[] = {
+        {QMetaType::Bool, readPlain<bool>},
+        {QMetaType::Int, readPlain<int>},
+        {QMetaType::UInt, readPlain<uint>},
+        {QMetaType::LongLong, readPlain<qlonglong>},
+        {QMetaType::ULongLong, readPlain<qulonglong>},
+        {QMetaType::Double, readPlain<double>},
+        {QMetaType::Float, readPlain<float>},
+        {QMetaType::QChar, readPlain<QChar>},
+        {QMetaType::QString, readPlain<QString>},
+        {QMetaType::QStringList, readStringList},
+        {QMetaType::QByteArray, readPlain<QByteArray>},
+        {QMetaType::QDate, readPlain<QDate>},
+        {QMetaType::QTime, readPlain<QTime>},
+        {QMetaType::QDateTime, readDateTimeInto},
+        {QMetaType::QRegExp, readRegExp},
+        {QMetaType::QRect, readPlain<QRect>},
+        {QMetaType::QVariantList, readList},
+        {QMetaType::QVariantMap, readMap},
+        {QMetaType::QVariantHash, readHash},
+    };
+
+    StoredType const* storedType(quint32 type)
+    {
+        auto const* const row = std::find_if(std::begin(storedTypes), std::end(storedTypes),
+            [=](StoredType const& each) { return static_cast<quint32>(each.type) == type; });
+        return row == std::end(storedTypes) ? nullptr : row;
     }
 
     // Qt 4 counted the types of its core library on from 128; Qt 5 moved them down.
-    quint32 currentType(QDataStream const& in, quint32 storedType)
+    quint32 currentType(QDataStream const& in, quint32 type)
     {
         constexpr quint32 firstExtended = 128;
         constexpr quint32 moved = 97;
         bool const isOld = in.version() < QDataStream::Qt_5_0;
-        return isOld && storedType >= firstExtended ? storedType - moved : storedType;
+        return isOld && type >= firstExtended ? type - moved : type;
     }
 
-    QVariant readData(QDataStream& in, quint32 type, int containerDepth)
+    // Qt 4 put an empty text where there is no value.
+    void skipInvalid(QDataStream& in)
     {
-        switch (type) {
-        case QMetaType::UnknownType:
-            if (in.version() < QDataStream::Qt_5_0)
-                readPlain<QString>(in);
-            return {};
-        case QMetaType::Bool:
-            return readPlain<bool>(in);
-        case QMetaType::Int:
-            return readPlain<int>(in);
-        case QMetaType::UInt:
-            return readPlain<uint>(in);
-        case QMetaType::LongLong:
-            return readPlain<qlonglong>(in);
-        case QMetaType::ULongLong:
-            return readPlain<qulonglong>(in);
-        case QMetaType::Double:
-            return readPlain<double>(in);
-        case QMetaType::Float:
-            return readPlain<float>(in);
-        case QMetaType::QChar:
-            return readPlain<QChar>(in);
-        case QMetaType::QString:
-            return readPlain<QString>(in);
-        case QMetaType::QByteArray:
-            return readPlain<QByteArray>(in);
-        case QMetaType::QDate:
-            return readPlain<QDate>(in);
-        case QMetaType::QTime:
-            return readPlain<QTime>(in);
-        case QMetaType::QRect:
-            return readPlain<QRect>(in);
-        case QMetaType::QStringList:
-            return readStringList(in);
-        case QMetaType::QDateTime:
-            return readDateTime(in);
-        case QMetaType::QRegExp:
-            return readRegExp(in);
-        case QMetaType::QVariantList:
-            return readList(in, containerDepth + 1);
-        case QMetaType::QVariantMap:
-            return readMap<QVariantMap>(in, containerDepth + 1);
-        case QMetaType::QVariantHash:
-            return readMap<QVariantHash>(in, containerDepth + 1);
-        default:
-            return corrupt(in);
-        }
+        QString text;
+        if (in.version() < QDataStream::Qt_5_0)
+            in >> text;
+    }
+
+    // The flag stands beside the value, which is read although the flag is set. Only its lowest bit has ever counted.
+    QVariant defaultValue(int type, qint8 nullFlag)
+    {
+        return (nullFlag & 1) ? QVariant(static_cast<QVariant::Type>(type)) : QVariant(type, nullptr);
     }
 
     QVariant readValue(QDataStream& in, int containerDepth)
     {
-        // Before Qt 4 types had other numbers.
-        if (containerDepth > maxContainerDepth || in.version() < QDataStream::Qt_4_0)
-            return corrupt(in);
-        quint32 storedType = 0;
-        qint8 isNull = 0;
-        in >> storedType;
+        quint32 type = 0;
+        qint8 nullFlag = 0;
+        in >> type;
         if (in.version() >= QDataStream::Qt_4_2)
-            in >> isNull;
-        if (!isOk(in))
-            return {};
-        quint32 const type = currentType(in, storedType);
-        QVariant const value = readData(in, type, containerDepth);
-        return isNull && value.isValid() ? QVariant(static_cast<QVariant::Type>(type)) : value;
+            in >> nullFlag;
+        StoredType const* const stored = storedType(currentType(in, type));
+        QVariant value;
+        // Before Qt 4, types had other numbers.
+        if (in.version() < QDataStream::Qt_4_0)
+            setCorrupt(in);
+        else if (type == QMetaType::UnknownType)
+            skipInvalid(in);
+        else if (!stored)
+            setCorrupt(in);
+        else if (isOk(in)) {
+            value = defaultValue(stored->type, nullFlag);
+            stored->read(in, value.data(), containerDepth);
+        }
+        return value;
     }
 
 } // namespace
 
-QVariant corrupt(QDataStream& in)
+thread_local Reading::State Reading::s_state = {0, 0};
+
+Reading::Reading()
 {
-    in.setStatus(QDataStream::ReadCorruptData);
-    return {};
+    if (s_state.depth++ == 0)
+        s_state.patternBytes = 0;
+}
+
+Reading::~Reading()
+{
+    --s_state.depth;
+}
+
+bool Reading::isTooDeep() const
+{
+    return s_state.depth > Expression::MaxDepth;
+}
+
+bool Reading::allows(double bytes)
+{
+    constexpr double maxPatternBytes = 8e6;
+    s_state.patternBytes += bytes;
+    return s_state.patternBytes <= maxPatternBytes;
 }
 
 QVariant readVariant(QDataStream& in)

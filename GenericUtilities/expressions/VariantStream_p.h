@@ -4,24 +4,37 @@
 #include <QDataStream>
 #include <QVariant>
 
-/// Not installed.
+/// Values from bytes of any origin; not installed.
 namespace qvgen {
 
-/// Reads a variant as QDataStream's own operator does, but from bytes of any origin: only types that constants have are
-/// read, sizes are believed only as far as the stream reaches, containers nest at most 100 deep. Anything else gives an
-/// invalid variant and QDataStream::ReadCorruptData. Of a null value nothing but its type is kept, of several entries
-/// with one key the last.
+/// One reading of a tree on this thread, from its outermost record on; records inside are readings inside it.
+class Reading {
+public:
+    Reading();
+    ~Reading();
+    Reading(Reading const&) = delete;
+    Reading& operator=(Reading const&) = delete;
+
+    bool isTooDeep() const;
+    /// Takes @p bytes from what the regular expressions of a tree may take in all; false where that is used up.
+    static bool allows(double bytes);
+
+private:
+    struct State {
+        int depth;
+        double patternBytes;
+    };
+    static thread_local State s_state __attribute__((tls_model("initial-exec")));
+};
+
+/// Reads a variant as QDataStream's own operator does, but only of the types that constants have; sizes are believed
+/// only as far as the stream reaches, containers nest at most 100 deep, and of the keys of a map or a hash at most 100
+/// have one hash value. Anything else sets QDataStream::ReadCorruptData. Of several entries with one key the last
+/// stands.
 QVariant readVariant(QDataStream& in);
 
-/// The data of a variant that holds a QDateTime.
-QVariant readDateTime(QDataStream& in);
-
-/// Sets QDataStream::ReadCorruptData; an invalid variant.
-QVariant corrupt(QDataStream& in);
-
-inline bool isOk(QDataStream const& in)
-{
-    return in.status() == QDataStream::Ok;
-}
+/// Reads a QDateTime as QDataStream's own operator does. A kind of clock or a zone that Qt does not know sets
+/// QDataStream::ReadCorruptData.
+QDateTime readDateTime(QDataStream& in);
 
 } // namespace qvgen

@@ -10,6 +10,8 @@
 
 #include <sys/stat.h>
 
+Q_DECLARE_METATYPE(qvgen::ExpressionHandle)
+
 using namespace qvgen;
 
 /// Searches saved to files and run again by the example.
@@ -278,8 +280,6 @@ void RecordingsSearchFileTest::refusalKeepsTheDatabase()
     QCOMPARE(tree.run({"--suffix", "txt", "--save-search", "tree"}).exitCode, 2);
     QCOMPARE(tree.fromDatabase("SELECT count(*) FROM recordings").toInt(), 7);
 }
-
-Q_DECLARE_METATYPE(ExpressionHandle)
 
 QTEST_GUILESS_MAIN(RecordingsSearchFileTest)
 #include "tst_RecordingsSearchFile.moc"
