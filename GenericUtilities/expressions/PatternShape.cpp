@@ -104,7 +104,7 @@ namespace {
             if (unit == 'b' || unit == 'B')
                 add(PatternPart::anchor());
             else if (unit >= '1' && unit <= '9')
-                addBackReference();
+                addBackReference(unit - '0');
             else
                 add(PatternPart::state(m_isXml ? weightOfXmlClass : weightOfClass));
         }
@@ -207,8 +207,13 @@ namespace {
             m_groups.back().isGroup = true;
         }
 
-        void addBackReference()
+        // QRegExp keeps as many captures as the highest number, whether the pattern has them or not.
+        void addBackReference(int number)
         {
+            constexpr int countless = 1000000;
+            for (; peek() >= '0' && peek() <= '9'; next())
+                number = std::min(countless, number * 10 + peek() - '0');
+            m_shape.captures = std::max(m_shape.captures, number);
             PatternPart part = PatternPart::anchor();
             part.first = weightOfClass;
             part.last = 1;

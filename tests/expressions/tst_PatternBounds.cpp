@@ -97,6 +97,8 @@ void TestPatternBounds::accepted_data()
     row("1024 characters", letters(1024), letters(1024));
     row("64 parentheses within each other", times("(", 64) + text("a") + times(")", 64), text("a"));
     row("a thousand of any", text(".{1000}"), letters(1000));
+    row("2098 characters and the two ends", text("a{1024}a{1024}a{50}"), letters(2098));
+    row("164 captures in just less than a million bytes", times("(a)", 164), letters(164));
     row("153 that may be left out", optionals, letters(153));
     row("a million characters", text(".*"), letters(1000000));
     row("mail address", text("[a-zA-Z0-9._%+-]+@[a-zA-Z0-9.-]+\\.[a-zA-Z]{2,4}"), text("lobby@example.org"));
@@ -135,7 +137,8 @@ void TestPatternBounds::refusedWhateverTheSubject_data()
     row("counts of an anchor", text("((^{99}){99}){99}"));
     row("400 alternatives in a loop", text("(") + times("a|", 400) + text("a)*b"));
     row("all ways between alternatives", text("(") + times("a|", 150) + text("a)(") + times("a|", 150) + text("a)"));
-    row("500 captures", times("(a)", 340));
+    row("2099 characters", text("a{1024}a{1024}a{51}"));
+    row("165 captures", times("(a)", 165));
     row("long class, counted", text("[") + times("bcdefghijk", 90) + text("]{100}"));
     row("200 back-references", text("(a*)") + times("\\1", 200));
     row("anchors that multiply", times("(^|$|\\b|\\B|\\1)", 12));

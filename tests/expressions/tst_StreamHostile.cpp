@@ -481,6 +481,8 @@ void TestStreamHostile::regularExpressions_data()
     QTest::newRow("parentheses without an end") << QString(20000, '(') << true;
     QTest::newRow("parentheses in parentheses") << QString(20000, '(') + QString(20000, ')') << true;
     QTest::newRow("far more of them") << QString(400000, '(') << true;
+    QTest::newRow("high back-reference") << "w*\\222222" << true;
+    QTest::newRow("highest back-reference") << "(a)\\99999999999999999999" << true;
     QTest::newRow("repeats of repeats") << "(a{0,30}){0,30}b" << false;
     QTest::newRow("broken class") << "[a-" << false;
     QTest::newRow("broken repeat") << "a{99999999999,1" << false;
