@@ -205,12 +205,11 @@ namespace {
         StoredType const* const stored = storedType(currentType(in, type));
         QVariant value;
         // Before Qt 4, types had other numbers.
-        if (in.version() < QDataStream::Qt_4_0)
+        bool const isOfOldQt = in.version() < QDataStream::Qt_4_0;
+        if (isOfOldQt || (!stored && type != QMetaType::UnknownType))
             setCorrupt(in);
         else if (type == QMetaType::UnknownType)
             skipInvalid(in);
-        else if (!stored)
-            setCorrupt(in);
         else if (isOk(in)) {
             value = defaultValue(stored->type, nullFlag);
             stored->read(in, value.data(), containerDepth);
