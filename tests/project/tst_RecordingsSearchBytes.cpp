@@ -264,8 +264,7 @@ void RecordingsSearchBytesTest::hostileTree_data()
     row("bytes", size == bound(QByteArray("a")), noColumnValue);
     row("regular expression", value("name") == bound(QRegExp("a.*")), noColumnValue);
 
-    row("unknown function", call("load_extension", {bound("x.so")}),
-        "it calls 'load_extension', which is no function");
+    row("unknown function", call("load_extension", {bound("x.so")}), "it calls 'load_extension', which is no function");
     row("SQL for a function", call("1=1 OR abs", {size}), "it calls '1=1 OR abs', which is no function");
     row("function in capitals", call("ABS", {size}), "it calls 'ABS', which is no function");
     row("function without a name", call("", {size}), "it calls '', which is no function");
