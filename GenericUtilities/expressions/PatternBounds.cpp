@@ -25,7 +25,10 @@ bool PatternShape::isBounded() const
 {
     constexpr int maxNesting = 64;
     constexpr double maxBytes = 1e6;
-    return length <= MaxLength && nesting <= maxNesting && isWithinBounds(items, transitions) && bytes() <= maxBytes;
+    // QRegExp's own limit: it never frees what it compiled of those beyond.
+    constexpr double maxLookaheads = 13;
+    return length <= MaxLength && nesting <= maxNesting && lookaheads <= maxLookaheads
+        && isWithinBounds(items, transitions) && bytes() <= maxBytes;
 }
 
 double PatternShape::bytes() const
@@ -34,7 +37,7 @@ double PatternShape::bytes() const
     constexpr double perTransition = 50;
     constexpr double perCaptureOfItem = 16;
     // Where a lookahead is malformed, QRegExp goes on in the middle of it and may join what stands apart.
-    double const joined = hasLookaheads ? std::max(transitions, items * items) : transitions;
+    double const joined = lookaheads > 0 ? std::max(transitions, items * items) : transitions;
     return perItem * items + perTransition * joined + perCaptureOfItem * items * captures;
 }
 

@@ -18,7 +18,7 @@ struct PatternShape {
     int length = 0; ///< Code units.
     int nesting = 0; ///< Parentheses open at once.
     int captures = 0; ///< Parentheses that capture.
-    bool hasLookaheads = false;
+    double lookaheads = 0; ///< Counted repeats multiplied out.
     /// How many times the time of a match is multiplied by the work of one more: 1 for a lookahead, and for each that
     /// it stands in, 1 for back-references.
     int detours = 0;

@@ -49,6 +49,7 @@ PatternPart PatternPart::sequence(PatternPart const& a, PatternPart const& b)
     result.anchorsBehind = std::max(b.anchorsBehind, b.isNullable ? combined(a.anchorsBehind, b.anchorsOfEmpty) : 0);
     result.anchorsOfEmpty = result.isNullable ? combined(a.anchorsOfEmpty, b.anchorsOfEmpty) : 0;
     result.items = a.items + b.items;
+    result.lookaheads = a.lookaheads + b.lookaheads;
     result.transitions = a.transitions + b.transitions
         + waysBetween(a.last, b.first, combined(a.anchorsBehind, b.anchorsBefore)) + result.anchorsOfEmpty
         + (a.anchorsOfEmpty > 0 ? b.first * result.anchorsBefore : 0)
@@ -66,6 +67,7 @@ PatternPart PatternPart::alternatives(PatternPart const& a, PatternPart const& b
     result.anchorsBehind = std::max(a.anchorsBehind, b.anchorsBehind);
     result.anchorsOfEmpty = a.anchorsOfEmpty + b.anchorsOfEmpty;
     result.items = a.items + b.items;
+    result.lookaheads = a.lookaheads + b.lookaheads;
     result.transitions = a.transitions + b.transitions;
     return result;
 }

@@ -19,6 +19,7 @@ struct PatternPart {
     ///@}
     double items = 0; ///< As in PatternShape.
     double transitions = 0;
+    double lookaheads = 0; ///< As in PatternShape.
 
     static PatternPart state(double weight);
     /// A condition between two states.

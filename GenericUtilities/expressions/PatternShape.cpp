@@ -34,7 +34,8 @@ namespace {
                 PatternPart::sequence(PatternPart::state(1), m_groups.back().alternatives), PatternPart::state(1));
             m_shape.items = std::max(m_shape.items, whole.items);
             m_shape.transitions = std::max(m_shape.transitions, whole.transitions);
-            if (m_shape.hasLookaheads)
+            m_shape.lookaheads = std::max(m_shape.lookaheads, whole.lookaheads);
+            if (m_shape.lookaheads > 0)
                 m_shape.items *= m_groupCounts;
             if (m_isGreedy)
                 m_shape.captures
@@ -199,7 +200,7 @@ namespace {
             constexpr double itemsOfAutomaton = 2;
             part.items += own.items + itemsOfAutomaton;
             part.transitions += own.transitions;
-            m_shape.hasLookaheads = true;
+            ++part.lookaheads;
             addDetours(group.detours + 1);
             part.isNullable = true;
             part.anchorsOfEmpty = std::max(1.0, part.anchorsOfEmpty);

@@ -481,6 +481,9 @@ void TestStreamHostile::regularExpressions_data()
     QTest::newRow("parentheses without an end") << QString(20000, '(') << true;
     QTest::newRow("parentheses in parentheses") << QString(20000, '(') + QString(20000, ')') << true;
     QTest::newRow("far more of them") << QString(400000, '(') << true;
+    QTest::newRow("all lookaheads that QRegExp can have") << QStringLiteral("(?=a)").repeated(13) << false;
+    QTest::newRow("one lookahead more") << QStringLiteral("(?=a)").repeated(14) << true;
+    QTest::newRow("lookaheads by a repeat") << "((?=a)b){14}" << true;
     QTest::newRow("high back-reference") << "w*\\222222" << true;
     QTest::newRow("highest back-reference") << "(a)\\99999999999999999999" << true;
     QTest::newRow("repeats of repeats") << "(a{0,30}){0,30}b" << false;
