@@ -11,7 +11,7 @@ LIBRARIES = ("GenericUtilities", "qvbase")
 # Made by the build, free for all.
 EXPORT_HEADERS = {f"{library}/Export.h" for library in LIBRARIES}
 QT_CORE = re.compile(r"^Q\w+$")
-SYSTEM = re.compile(r"^[a-z_]+(\.h)?$")
+SYSTEM = re.compile(r"^(sys/)?[a-z_]+(\.h)?$")
 OPENSSL = re.compile(r"^openssl/\w+\.h$")
 
 
