@@ -19,6 +19,13 @@ inline int rounds(int full)
 #endif
 }
 
+/// A test too long for every day repeats @p usual times (as above), or, with GENERICUTILITIES_FULL_TESTS set, @p full
+/// times. That outlasts Qt Test's patience: set QTEST_FUNCTION_TIMEOUT (milliseconds) as well.
+inline int rounds(int usual, int full)
+{
+    return qEnvironmentVariableIsSet("GENERICUTILITIES_FULL_TESTS") ? full : rounds(usual);
+}
+
 /// The seed of a random test: GENERICUTILITIES_TEST_SEED from the environment, else the same in every run. A failing
 /// test names it, see seedNote().
 inline quint32 seed()

@@ -1,0 +1,198 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <qvbase/FileCipher_p.h>
+
+#include <QtEndian>
+
+#include <openssl/core_names.h>
+#include <openssl/crypto.h>
+#include <openssl/evp.h>
+#include <openssl/hmac.h>
+#include <openssl/kdf.h>
+#include <openssl/params.h>
+#include <openssl/rand.h>
+
+#include <cstdint>
+#include <new>
+#include <utility>
+
+namespace qv::encrypted {
+
+namespace {
+
+    void wipe(QByteArray& bytes)
+    {
+        // Only what is ours alone: data() would copy what is shared and wipe the copy.
+        if (bytes.isDetached())
+            OPENSSL_cleanse(bytes.data(), size_t(bytes.size()));
+    }
+
+    OSSL_PARAM octets(char const* name, void const* bytes, int size)
+    {
+        return OSSL_PARAM_construct_octet_string(name, const_cast<void*>(bytes), size_t(size));
+    }
+
+    bool derive(char const* algorithm, OSSL_PARAM const* parameters, SecretKey* key)
+    {
+        std::unique_ptr<EVP_KDF, decltype(&EVP_KDF_free)> const kdf(
+            EVP_KDF_fetch(nullptr, algorithm, nullptr), EVP_KDF_free);
+        std::unique_ptr<EVP_KDF_CTX, decltype(&EVP_KDF_CTX_free)> const context(
+            EVP_KDF_CTX_new(kdf.get()), EVP_KDF_CTX_free);
+        return context && EVP_KDF_derive(context.get(), key->data(), size_t(SecretKey::size()), parameters) == 1;
+    }
+
+    SecretKey expand(SecretKey const& from, uchar const* salt, char const* info)
+    {
+        char digest[] = "SHA256";
+        OSSL_PARAM const parameters[] = {OSSL_PARAM_construct_utf8_string(OSSL_KDF_PARAM_DIGEST, digest, 0),
+            octets(OSSL_KDF_PARAM_KEY, from.data(), SecretKey::size()), octets(OSSL_KDF_PARAM_SALT, salt, 32),
+            octets(OSSL_KDF_PARAM_INFO, info, int(qstrlen(info))), OSSL_PARAM_construct_end()};
+        SecretKey key;
+        if (!derive("HKDF", parameters, &key))
+            throw std::bad_alloc();
+        return key;
+    }
+
+} // namespace
+
+Hooks& hooks()
+{
+    // Never destroyed: devices of static objects may still write.
+    static Hooks& instance = *new Hooks;
+    return instance;
+}
+
+SecretKey::~SecretKey()
+{
+    OPENSSL_cleanse(m_bytes.data(), m_bytes.size());
+}
+
+Credentials::Credentials(QString const& userName, QString const& passwordText)
+    : user(userName.toUtf8())
+    , password(passwordText.toUtf8())
+{
+}
+
+Credentials& Credentials::operator=(Credentials&& other) noexcept
+{
+    // The other one wipes what was ours.
+    std::swap(user, other.user);
+    std::swap(password, other.password);
+    return *this;
+}
+
+Credentials::~Credentials()
+{
+    wipe(user);
+    wipe(password);
+}
+
+FileKeys::FileKeys(SecretKey const& kek, Bytes32 const& fileId)
+    : headerKey(expand(kek, fileId.data(), "header"))
+    , fileKey(expand(kek, fileId.data(), "file"))
+{
+}
+
+Bytes32 FileKeys::macOf(FileHeader const& header) const
+{
+    return sha256Mac(headerKey, header.authenticated());
+}
+
+bool FileKeys::fits(FileHeader const& header) const
+{
+    return CRYPTO_memcmp(macOf(header).data(), header.mac().data(), sizeof(Bytes32)) == 0;
+}
+
+std::optional<SecretKey> deriveKek(Credentials const& credentials, Bytes32 const& salt, ScryptCost cost)
+{
+    constexpr std::uint64_t maxMemory = Q_UINT64_C(256) << 20;
+    QByteArray const salted
+        = QByteArray(reinterpret_cast<char const*>(salt.data()), int(salt.size())) + credentials.user;
+    std::uint64_t n = Q_UINT64_C(1) << cost.logN;
+    std::uint64_t memory = maxMemory;
+    OSSL_PARAM const parameters[]
+        = {octets(OSSL_KDF_PARAM_PASSWORD, credentials.password.constData(), credentials.password.size()),
+            octets(OSSL_KDF_PARAM_SALT, salted.constData(), salted.size()),
+            OSSL_PARAM_construct_uint64(OSSL_KDF_PARAM_SCRYPT_N, &n),
+            OSSL_PARAM_construct_uint32(OSSL_KDF_PARAM_SCRYPT_R, &cost.r),
+            OSSL_PARAM_construct_uint32(OSSL_KDF_PARAM_SCRYPT_P, &cost.p),
+            OSSL_PARAM_construct_uint64(OSSL_KDF_PARAM_SCRYPT_MAXMEM, &memory), OSSL_PARAM_construct_end()};
+    SecretKey kek;
+    return derive("SCRYPT", parameters, &kek) ? std::make_optional(kek) : std::nullopt;
+}
+
+SecretKey deriveSessionKey(SecretKey const& fileKey, uchar const* salt)
+{
+    return expand(fileKey, salt, "session");
+}
+
+std::optional<Bytes32> randomBytes32()
+{
+    Bytes32 bytes = {};
+    if (hooks().random) {
+        hooks().random(bytes.data(), int(bytes.size()));
+        return bytes;
+    }
+    return RAND_bytes(bytes.data(), int(bytes.size())) == 1 ? std::make_optional(bytes) : std::nullopt;
+}
+
+Bytes32 sha256Mac(SecretKey const& key, QByteArray const& bytes)
+{
+    Bytes32 mac = {};
+    auto const* const from = reinterpret_cast<uchar const*>(bytes.constData());
+    if (!HMAC(EVP_sha256(), key.data(), SecretKey::size(), from, size_t(bytes.size()), mac.data(), nullptr))
+        throw std::bad_alloc();
+    return mac;
+}
+
+void RecordCipher::Free::operator()(EVP_CIPHER_CTX* context) const
+{
+    EVP_CIPHER_CTX_free(context);
+}
+
+RecordCipher::RecordCipher(SecretKey const& key, Direction direction)
+    : m_context(EVP_CIPHER_CTX_new())
+{
+    if (!m_context
+        || EVP_CipherInit_ex(m_context.get(), EVP_aes_256_gcm(), nullptr, key.data(), nullptr, direction) != 1)
+        throw std::bad_alloc();
+    if (direction == Seal && hooks().observer)
+        m_observedKey = QByteArray(reinterpret_cast<char const*>(key.data()), SecretKey::size());
+}
+
+bool RecordCipher::process(quint64 number, Associated const& with, uchar const* text, int size, uchar* to)
+{
+    EVP_CIPHER_CTX* const context = m_context.get();
+    std::array<uchar, 12> nonce = {};
+    qToLittleEndian(number, nonce.data());
+    if (!m_observedKey.isEmpty())
+        hooks().observer(m_observedKey, QByteArray(reinterpret_cast<char const*>(nonce.data()), int(nonce.size())));
+
+    int count = 0;
+    auto const associate = [&](uchar const* bytes, int length) {
+        return length == 0 || EVP_CipherUpdate(context, nullptr, &count, bytes, length) == 1;
+    };
+    return EVP_CipherInit_ex(context, nullptr, nullptr, nullptr, nonce.data(), -1) == 1
+        && associate(with.header, RecordHeader::Length) && associate(with.previousTag, int(sizeof(Tag)))
+        && associate(with.payload, with.payloadSize)
+        && (size == 0 || EVP_CipherUpdate(context, to, &count, text, size) == 1);
+}
+
+bool RecordCipher::seal(quint64 number, Associated const& with, uchar const* text, int size, uchar* to, uchar* tag)
+{
+    int count = 0;
+    uchar none = 0;
+    return process(number, with, text, size, to) && EVP_CipherFinal_ex(m_context.get(), &none, &count) == 1
+        && EVP_CIPHER_CTX_ctrl(m_context.get(), EVP_CTRL_GCM_GET_TAG, int(sizeof(Tag)), tag) == 1;
+}
+
+bool RecordCipher::open(
+    quint64 number, Associated const& with, uchar const* text, int size, uchar* to, uchar const* tag)
+{
+    int count = 0;
+    uchar none = 0;
+    return process(number, with, text, size, to)
+        && EVP_CIPHER_CTX_ctrl(m_context.get(), EVP_CTRL_GCM_SET_TAG, int(sizeof(Tag)), const_cast<uchar*>(tag)) == 1
+        && EVP_CipherFinal_ex(m_context.get(), &none, &count) == 1;
+}
+
+} // namespace qv::encrypted

@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <qvbase/FileTail_p.h>
+
+#include <qvbase/Failure_p.h>
+#include <qvbase/NamedFile_p.h>
+
+#include <algorithm>
+
+namespace qv::encrypted {
+
+using Verified = FileEncrypt::VerifyResult;
+
+namespace {
+
+    bool hasMisplacedRecord(RecordReader const& reader, Tail const& due)
+    {
+        auto record = reader.firstWholeFrom(due.end);
+        while (record && record->isOfWriteAt(due))
+            record = reader.firstWholeFrom(record->end());
+        return record.has_value();
+    }
+
+    bool isCutShort(RecordReader const& reader, Tail const& due, qint64 restSize)
+    {
+        auto const header = reader.headerAt(due.end);
+        return restSize < RecordHeader::Overhead || (header && header->length > restSize);
+    }
+
+    Tail startOf(FileHeader const& header)
+    {
+        Tail tail;
+        tail.tag = header.chainStart();
+        return tail;
+    }
+
+    FileTail withRest(RecordReader const& reader, Tail const& tail, qint64 fileSize)
+    {
+        FileTail result = {tail, fileSize, Verified::Intact};
+        if (tail.end < fileSize)
+            result.rest = classOfRest(reader, tail);
+        return result;
+    }
+
+    /// Two whole records of different writes, both bad: no crash leaves that, and nothing is gained by looking further.
+    bool areOfOneWrite(WholeRecord const& earlier, std::optional<WholeRecord> const& later)
+    {
+        return !later || earlier.header.index - earlier.header.place == later->header.index - later->header.place;
+    }
+
+} // namespace
+
+qint64 FileTail::readableSize() const
+{
+    bool const isSuspect = rest == Verified::TornOrTampered || rest == Verified::Damaged;
+    return tail.plainSize + (isSuspect ? std::max(restSize() - qint64(RecordHeader::Overhead), qint64(1)) : 0);
+}
+
+FileTail::Class classOfRest(RecordReader const& reader, Tail const& due)
+{
+    qint64 const restSize = reader.fileSize() - due.end;
+    if (hasMisplacedRecord(reader, due))
+        return Verified::Damaged;
+    if (isCutShort(reader, due, restSize) || reader.endsInZeros(std::min(restSize, qint64(RecordHeader::TagAndLength))))
+        return Verified::Torn;
+    return Verified::TornOrTampered;
+}
+
+FileTail findTail(RecordReader& reader, FileHeader const& header)
+{
+    qint64 const size = reader.fileSize();
+    std::optional<WholeRecord> bad;
+    qint64 end = size;
+    while (auto const record = reader.lastWholeUpTo(end)) {
+        if (auto const good = reader.goodAt(record->offset))
+            return withRest(reader, good->tail(), size);
+        if (!areOfOneWrite(*record, bad))
+            return {Tail::before(record->header, record->offset), size, Verified::Damaged};
+        bad = record;
+        end = record->offset;
+    }
+    return withRest(reader, startOf(header), size);
+}
+
+} // namespace qv::encrypted

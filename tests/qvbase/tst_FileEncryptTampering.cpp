@@ -1,0 +1,253 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <qvbase/EncryptedFiles.h>
+
+#include <QDir>
+
+using Verified = qv::FileEncrypt::VerifyResult;
+
+namespace {
+
+constexpr int recordCount = 200;
+
+/// A file of 200 records: that of the session, and 199 of one write each.
+QList<QByteArray> texts()
+{
+    QList<QByteArray> result;
+    for (int i = 1; i < recordCount; ++i)
+        result.append("entry " + QByteArray::number(i) + '\n');
+    return result;
+}
+
+QByteArray textUpTo(int record)
+{
+    return texts().mid(0, qMax(record - 1, 0)).join();
+}
+
+} // namespace
+
+/// Whatever is changed in a file is noticed and told in its class; what is read before the change is what was written.
+class tst_FileEncryptTampering : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void cleanup();
+    void wholeFileIsIntact();
+    void everySwap();
+    void everyRepetition();
+    void everyRemovalButTheLast();
+    void splicesFromAnotherFile();
+    void splicesFromAnOlderCopy();
+    void tornTailOfEveryLength();
+    void zerosBehindTheTearOfEveryLength();
+    void damagedEndIsNotWrittenBehind();
+    void suspectEndIsKeptAside();
+    void anchorFinds_data();
+    void anchorFinds();
+    void anchorStaysValidAsTheFileGrows();
+
+private:
+    QString name() const { return m_folder->filePath(QStringLiteral("log.qvl")); }
+    QString asideName() const { return name() + QStringLiteral(".torn"); }
+    Verified verifiedBytes(QByteArray const& bytes) const;
+
+    std::unique_ptr<QTemporaryDir> const m_folder = encrypted::folder();
+    QByteArray m_file;
+    QVector<QByteArray> m_records;
+};
+
+void tst_FileEncryptTampering::initTestCase()
+{
+    encrypted::useCheapKeys();
+    encrypted::appendAll(name(), texts());
+    m_file = encrypted::rawBytes(name());
+    m_records = encrypted::recordsOf(m_file);
+    QCOMPARE(m_records.size(), recordCount);
+}
+
+void tst_FileEncryptTampering::cleanup()
+{
+    for (QFileInfo const& file : QDir(m_folder->path()).entryInfoList(QDir::Files))
+        QFile::remove(file.filePath());
+}
+
+Verified tst_FileEncryptTampering::verifiedBytes(QByteArray const& bytes) const
+{
+    encrypted::setRawBytes(name(), bytes);
+    return encrypted::verified(name());
+}
+
+void tst_FileEncryptTampering::wholeFileIsIntact()
+{
+    Verified const result = verifiedBytes(m_file);
+    QCOMPARE(int(result.result), int(Verified::Intact));
+    QCOMPARE(result.record, qint64(recordCount));
+    QCOMPARE(result.offset, qint64(m_file.size()));
+    QCOMPARE(encrypted::readBack(name()).text, textUpTo(recordCount));
+}
+
+void tst_FileEncryptTampering::everySwap()
+{
+    for (int record = 0; record + 1 < recordCount; ++record) {
+        QVector<QByteArray> records = m_records;
+        records.swapItemsAt(record, record + 1);
+        Verified const result = verifiedBytes(encrypted::joined(m_file, records));
+        QCOMPARE(int(result.result), int(Verified::Damaged));
+        QCOMPARE(result.record, qint64(record));
+        QVERIFY(encrypted::readBack(name()).hasFailed);
+    }
+}
+
+void tst_FileEncryptTampering::everyRepetition()
+{
+    for (int record = 0; record < recordCount; ++record) {
+        QVector<QByteArray> records = m_records;
+        records.insert(record + 1, m_records[record]);
+        Verified const result = verifiedBytes(encrypted::joined(m_file, records));
+        QCOMPARE(int(result.result), int(Verified::Damaged));
+        QCOMPARE(result.record, qint64(record + 1));
+        QVERIFY(encrypted::readBack(name()).hasFailed);
+    }
+}
+
+void tst_FileEncryptTampering::everyRemovalButTheLast()
+{
+    for (int record = 0; record + 1 < recordCount; ++record) {
+        QVector<QByteArray> records = m_records;
+        records.removeAt(record);
+        Verified const result = verifiedBytes(encrypted::joined(m_file, records));
+        QCOMPARE(int(result.result), int(Verified::Damaged));
+        QCOMPARE(result.record, qint64(record));
+        QVERIFY(encrypted::readBack(name()).hasFailed);
+    }
+}
+
+void tst_FileEncryptTampering::splicesFromAnotherFile()
+{
+    QString const other = m_folder->filePath(QStringLiteral("other"));
+    encrypted::appendAll(other, texts());
+    QVector<QByteArray> const foreign = encrypted::recordsOf(encrypted::rawBytes(other));
+    for (int record = 0; record < recordCount; ++record) {
+        QVector<QByteArray> records = m_records;
+        records[record] = foreign[record];
+        Verified const result = verifiedBytes(encrypted::joined(m_file, records));
+        QVERIFY(result.result == Verified::Damaged
+            || (record == recordCount - 1 && result.result == Verified::TornOrTampered));
+        QCOMPARE(result.record, qint64(record));
+    }
+}
+
+void tst_FileEncryptTampering::splicesFromAnOlderCopy()
+{
+    // The same file id and keys, another history from the 100th record on.
+    QByteArray const common = encrypted::joined(m_file, m_records.mid(0, 100));
+    encrypted::setRawBytes(name(), common);
+    encrypted::appendAll(name(), texts().mid(99));
+    QVector<QByteArray> const older = encrypted::recordsOf(encrypted::rawBytes(name()));
+    for (int record = 100; record < recordCount; ++record) {
+        QVector<QByteArray> const records = m_records.mid(0, record) + older.mid(record);
+        Verified const result = verifiedBytes(encrypted::joined(m_file, records));
+        QCOMPARE(int(result.result), int(record == 100 ? Verified::Intact : Verified::Damaged));
+    }
+}
+
+void tst_FileEncryptTampering::tornTailOfEveryLength()
+{
+    QByteArray const kept = m_file.left(m_file.size() - m_records.last().size());
+    for (int length = 1; length < m_records.last().size(); ++length) {
+        QByteArray const tail = m_records.last().left(length);
+        Verified const result = verifiedBytes(kept + tail);
+        QCOMPARE(int(result.result), int(Verified::Torn));
+        QCOMPARE(result.record, qint64(recordCount - 1));
+        QVERIFY(!encrypted::readBack(name()).hasFailed);
+        encrypted::appendAll(name(), {"on"});
+        QCOMPARE(encrypted::readBack(name()).text, textUpTo(recordCount - 1) + "on");
+        QCOMPARE(encrypted::rawBytes(asideName()), tail);
+        cleanup();
+    }
+}
+
+void tst_FileEncryptTampering::zerosBehindTheTearOfEveryLength()
+{
+    QByteArray const kept = m_file.left(m_file.size() - m_records.last().size());
+    for (int length = 0; length <= m_records.last().size() - 20; ++length) {
+        QByteArray const tail = m_records.last().left(length).leftJustified(m_records.last().size(), '\0');
+        QCOMPARE(int(verifiedBytes(kept + tail).result), int(Verified::Torn));
+        encrypted::appendAll(name(), {"on"});
+        QCOMPARE(encrypted::readBack(name()).text, textUpTo(recordCount - 1) + "on");
+        QCOMPARE(encrypted::rawBytes(asideName()), tail);
+        cleanup();
+    }
+}
+
+void tst_FileEncryptTampering::damagedEndIsNotWrittenBehind()
+{
+    // With the session's record all others are lost: that is no tear.
+    QByteArray changed = m_file;
+    changed[encrypted::HeaderLength + 50] = char(changed[encrypted::HeaderLength + 50] ^ 1);
+    encrypted::setRawBytes(name(), changed);
+    auto const file = encrypted::device(name());
+    QVERIFY(!file->open(QIODevice::Append));
+    QCOMPARE(file->headerError(), qv::FileEncrypt::NoHeaderError);
+    QVERIFY(!file->errorString().isEmpty());
+    QCOMPARE(encrypted::rawBytes(name()), changed);
+    QVERIFY(!QFile::exists(asideName()));
+}
+
+void tst_FileEncryptTampering::suspectEndIsKeptAside()
+{
+    for (int round = 0; round < 3; ++round) {
+        QByteArray changed = m_file;
+        changed[m_file.size() - 10] = char(changed[m_file.size() - 10] ^ 1);
+        encrypted::setRawBytes(name(), changed);
+        encrypted::appendAll(name(), {"on"});
+        QCOMPARE(int(encrypted::verified(name()).result), int(Verified::Intact));
+    }
+    QStringList const expected = {"log (2).qvl.torn", "log (3).qvl.torn", "log.qvl", "log.qvl.torn"};
+    QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files, QDir::Name), expected);
+    QCOMPARE(encrypted::rawBytes(asideName()).size(), m_records.last().size());
+}
+
+void tst_FileEncryptTampering::anchorFinds_data()
+{
+    QTest::addColumn<int>("kept");
+    QTest::addColumn<bool>("isFromOther");
+    QTest::newRow("last record cut off") << recordCount - 1 << false;
+    QTest::newRow("all but the header cut off") << 0 << false;
+    QTest::newRow("another file in its place") << recordCount << true;
+}
+
+void tst_FileEncryptTampering::anchorFinds()
+{
+    QFETCH(int, kept);
+    QFETCH(bool, isFromOther);
+    encrypted::setRawBytes(name(), m_file);
+    auto const file = encrypted::device(name());
+    QVERIFY(file->open(QIODevice::ReadOnly));
+    QByteArray const anchor = file->anchor();
+    QCOMPARE(anchor.size(), 56);
+    if (isFromOther) {
+        QFile::remove(name());
+        encrypted::appendAll(name(), texts());
+    } else {
+        encrypted::setRawBytes(name(), encrypted::joined(m_file, m_records.mid(0, kept)));
+    }
+    QCOMPARE(int(encrypted::verified(name()).result), int(Verified::Intact));
+    QCOMPARE(int(encrypted::verified(name(), anchor).result), int(Verified::Damaged));
+}
+
+void tst_FileEncryptTampering::anchorStaysValidAsTheFileGrows()
+{
+    encrypted::setRawBytes(name(), m_file);
+    auto const file = encrypted::device(name());
+    QVERIFY(file->open(QIODevice::Append));
+    QByteArray const before = file->anchor();
+    QCOMPARE(file->write("more"), qint64(4));
+    QVERIFY(file->anchor() != before);
+    QCOMPARE(int(encrypted::verified(name(), before).result), int(Verified::Intact));
+    QCOMPARE(int(encrypted::verified(name(), file->anchor()).result), int(Verified::Intact));
+    QCOMPARE(int(encrypted::verified(name(), "no anchor").result), int(Verified::Damaged));
+}
+
+QTEST_GUILESS_MAIN(tst_FileEncryptTampering)
+#include "tst_FileEncryptTampering.moc"
