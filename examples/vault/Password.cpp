@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "Password.h"
+
+#include "Terminal.h"
+
+#include <qvbase/Exceptions.h>
+
+#include <QFile>
+
+namespace {
+
+constexpr char const* variable = "VAULT_PASSWORD";
+
+[[noreturn]] void refuse(QString const& message)
+{
+    throw qv::ExceptionQt(message);
+}
+
+QByteArray firstLineOf(QString const& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        refuse(QStringLiteral("the password file '%1' cannot be read: %2").arg(path, file.errorString()));
+    QByteArray line = file.readLine();
+    while (line.endsWith('\n') || line.endsWith('\r'))
+        line.chop(1);
+    return line;
+}
+
+QByteArray answerTo(QByteArray const& question)
+{
+    auto const answer = askHidden(question);
+    if (!answer)
+        refuse(QStringLiteral("there is no terminal to ask for the password: use --password-file or VAULT_PASSWORD"));
+    return *answer;
+}
+
+QByteArray passwordFromTerminal(bool chosen)
+{
+    QByteArray const password = answerTo("Password: ");
+    if (chosen && !password.isEmpty() && answerTo("The same again: ") != password)
+        refuse(QStringLiteral("those were two different passwords"));
+    return password;
+}
+
+} // namespace
+
+QString findPassword(QString const& passwordFile, bool chosen)
+{
+    QByteArray const bytes = !passwordFile.isEmpty() ? firstLineOf(passwordFile)
+        : qEnvironmentVariableIsSet(variable)        ? qgetenv(variable)
+                                                     : passwordFromTerminal(chosen);
+    QString const password = QString::fromUtf8(bytes);
+    if (password.isEmpty())
+        refuse(QStringLiteral("the password is empty: the file would not be encrypted"));
+    // Different bytes must not become the same password.
+    if (password.toUtf8() != bytes)
+        refuse(QStringLiteral("the password is not a text in UTF-8"));
+    return password;
+}
