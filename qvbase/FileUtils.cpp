@@ -14,7 +14,7 @@ namespace {
 
     constexpr int MaxFileNameBytes = 255; // NAME_MAX of every file system in use
 
-    // A folder from the environment, or an empty text: a relative one is to be ignored, says the specification.
+    // A folder from the environment, or an empty text: a relative one is to be ignored by the XDG rules.
     QString absoluteFolder(QByteArray const& bytes)
     {
         return bytes.startsWith('/') ? QDir::cleanPath(QFile::decodeName(bytes)) : QString();

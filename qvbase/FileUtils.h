@@ -7,7 +7,7 @@
 
 namespace qv {
 
-/// Where files of a user belong, by the rules of the XDG base directory specification. Every call looks at the
+/// Where files of a user belong, by the XDG base directory rules. Every call looks at the
 /// environment anew. The paths are absolute and clean (no "..", no slash at the end).
 class QVBASE_EXPORT FileUtils {
 public:
