@@ -88,7 +88,7 @@ namespace {
     void EndFinder::noteStart(bool isEmpty)
     {
         bool const isRoot = m_depth == 0;
-        if ((isRoot && m_scanner.tagName() != "Entries") || m_depth == XMLLogReader::MaxDepth)
+        if (isRoot != (m_scanner.tagName() == "Entries") || m_depth == XMLLogReader::MaxDepth)
             return noteDamage(m_begin);
         m_isBegun = true;
         m_isEnded = isRoot && isEmpty; // nothing to cut here: m_end stays 0
@@ -148,7 +148,7 @@ namespace {
         XmlScanner::Markup last = XmlScanner::Nothing;
         for (char const byte : bytes)
             last = XmlScanner::isDropped(byte) ? last : scanner.scan(byte);
-        return last == XmlScanner::EmptyTag && scanner.tagName() == "Entry";
+        return bytes.endsWith('>') && last == XmlScanner::EmptyTag && scanner.tagName() == "Entry";
     }
 
     /// What the last bytes of a file tell for sure. The writer never leaves a raw "<" or ">" in a value: these are

@@ -69,9 +69,9 @@ XMLLogReader::XMLLogReader(QIODevice* device, QString const& name)
     : m_name(name)
     , m_filter(device ? std::make_unique<LogFileFilter>(device) : nullptr)
 {
-    // No name of a log file has a namespace; looking for them costs a hostile file's reader much time.
-    setNamespaceProcessing(false);
     setDevice(m_filter.get());
+    // No name of a log file has a namespace, and looking for them costs a hostile file's reader much time.
+    setNamespaceProcessing(false);
 }
 
 XMLLogReader::~XMLLogReader() = default;
