@@ -14,9 +14,9 @@ namespace {
 
 } // namespace
 
-XmlScanner::Markup XmlScanner::scan(char byte)
+XmlScanner::Markup XmlScanner::scanState(char byte)
 {
-    if (++m_length > MaxPieceBytes)
+    if (m_length > MaxPieceBytes)
         return refuse(TooLarge);
     switch (m_state) {
     case Text:

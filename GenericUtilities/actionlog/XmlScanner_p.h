@@ -34,7 +34,12 @@ public:
         return character < 0x20 && byte != '\t' && byte != '\n' && byte != '\r';
     }
 
-    Markup scan(char byte);
+    Markup scan(char byte)
+    {
+        // Nearly all bytes of a log stand within values.
+        bool const isWithinValue = m_state == Quoted && byte != m_quote && byte != '<';
+        return ++m_length <= MaxPieceBytes && isWithinValue ? Nothing : scanState(byte);
+    }
     /// A fault stays; what is scanned behind it means nothing.
     Fault fault() const { return m_fault; }
     /// Whether the bytes so far end between two pieces of markup.
@@ -45,6 +50,7 @@ public:
 private:
     enum State { Text, Opened, Name, Tag, Quoted, Declaration, Comment, Data, Instruction };
 
+    Markup scanState(char byte);
     Markup open(char byte);
     Markup scanName(char byte);
     Markup scanTag(char byte);
