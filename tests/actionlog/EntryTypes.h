@@ -7,6 +7,7 @@
 #include <GenericUtilities/actionlog/ParseXMLLogEntry.h>
 
 #include <QLocale>
+#include <QMetaType>
 
 #include <memory>
 
@@ -123,3 +124,5 @@ inline QStringList texts(qv::LogEntry const& entry)
 }
 
 } // namespace entries
+
+Q_DECLARE_METATYPE(entries::Entry)
