@@ -9,6 +9,8 @@ using xml::XmlScanner;
 
 namespace {
 
+    char const* const NotUtf8 = QT_TRANSLATE_NOOP("ActionLog", "A log file is written in UTF-8.");
+
     /// Null for what the XML reader notices and words itself.
     char const* refusal(XmlScanner::Fault fault)
     {
@@ -62,15 +64,16 @@ qint64 LogFileFilter::writeData(char const*, qint64)
 qint64 LogFileFilter::keep(char* data, qint64 size)
 {
     qint64 kept = 0;
-    for (qint64 i = 0; i < size; ++i) {
+    for (qint64 i = 0; i < size && !hasFailed(); ++i) {
         if (XmlScanner::isDropped(data[i]))
             continue;
-        data[kept++] = data[i];
         m_scanner.scan(data[i]);
-        if (char const* const text = refusal(m_scanner.fault())) {
+        if (!m_utf8.scan(data[i]))
+            fail(translated(NotUtf8));
+        else if (char const* const text = refusal(m_scanner.fault()))
             fail(translated(text));
-            break;
-        }
+        else
+            data[kept++] = data[i];
     }
     return kept;
 }

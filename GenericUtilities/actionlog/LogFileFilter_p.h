@@ -2,6 +2,7 @@
 #pragma once
 
 #include <GenericUtilities/Export.h>
+#include <GenericUtilities/actionlog/Utf8Scanner_p.h>
 #include <GenericUtilities/actionlog/XmlScanner_p.h>
 
 #include <QIODevice>
@@ -11,7 +12,7 @@ namespace qv {
 
 /// Stands between a log file and the XML reader. It drops the control characters that older writers left in names and
 /// values, each of which would make Qt refuse the whole file, and ends the file where a piece of it asks for more than
-/// readers grant. It holds no bytes of its own.
+/// readers grant, or is not UTF-8: Qt would lose what it read together with such a byte. It holds no bytes of its own.
 class GENERICUTILITIES_EXPORT LogFileFilter : public QIODevice {
 public:
     /// @p source stays the caller's, is open for reading, and is read from where it stands.
@@ -38,6 +39,7 @@ private:
 
     QIODevice* m_source;
     xml::XmlScanner m_scanner;
+    xml::Utf8Scanner m_utf8;
     QString m_failure;
     bool m_isAtEnd = false;
 };

@@ -1,15 +1,19 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <GenericUtilities/actionlog/XmlScanner_p.h>
 
+#include <algorithm>
+#include <iterator>
+
 namespace qv::xml {
 
 namespace {
 
     constexpr int MaxNameBytes = 16;
 
-    bool isBlank(char byte)
+    bool endsName(char byte)
     {
-        return byte == ' ' || byte == '\t' || byte == '\n' || byte == '\r';
+        constexpr char ends[] = " \t\n\r/><=\"'";
+        return std::find(std::begin(ends), std::end(ends) - 1, byte) != std::end(ends) - 1;
     }
 
 } // namespace
@@ -56,7 +60,7 @@ XmlScanner::Markup XmlScanner::open(char byte)
 
 XmlScanner::Markup XmlScanner::scanName(char byte)
 {
-    if (isBlank(byte) || byte == '/' || byte == '>' || byte == '<') {
+    if (endsName(byte)) {
         enter(Tag);
         return scanTag(byte);
     }
