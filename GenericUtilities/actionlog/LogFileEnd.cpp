@@ -148,7 +148,8 @@ namespace {
         XmlScanner::Markup last = XmlScanner::Nothing;
         for (char const byte : bytes)
             last = XmlScanner::isDropped(byte) ? last : scanner.scan(byte);
-        return bytes.endsWith('>') && last == XmlScanner::EmptyTag && scanner.tagName() == "Entry";
+        bool const isSound = scanner.fault() == XmlScanner::Sound && bytes.endsWith('>');
+        return isSound && last == XmlScanner::EmptyTag && scanner.tagName() == "Entry";
     }
 
     /// What the last bytes of a file tell for sure. The writer never leaves a raw "<" or ">" in a value: these are
