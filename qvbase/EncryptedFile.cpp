@@ -270,6 +270,18 @@ void EncryptedFile::appendPiece(char const* text, qint64 size)
     m_tail = {tail, tail.end, FileEncrypt::VerifyResult::Intact};
 }
 
+qint64 EncryptedFile::lock()
+{
+    require(m_file.lock(m_followsName));
+    try {
+        settle();
+        return m_tail.tail.plainSize;
+    } catch (Failure const&) {
+        m_file.unlock();
+        throw;
+    }
+}
+
 void EncryptedFile::sync()
 {
     requireWritable();

@@ -36,6 +36,11 @@ public:
     qint64 append(char const* text, qint64 size, std::optional<qint64> position);
     void resize(qint64 size);
     void sync();
+    /// Around several operations that nobody else's may come between. Returns where the file ends, in plain bytes.
+    qint64 lock();
+    void unlock() { m_file.unlock(); }
+    /// How often another file had taken the path.
+    int switches() const { return m_knownSwitches; }
     QByteArray anchor();
 
 private:

@@ -54,6 +54,7 @@ public:
     bool hasLineAhead();
     qint64 append(char const* data, qint64 size);
     void syncPlain();
+    bool lock();
     qint64 sizeOfClosed() const;
     VerifyResult verify(QByteArray const& anchor) const;
 
@@ -73,6 +74,8 @@ public:
     bool hasSyncFailed = false;
     /// Which file's name is known to be on the disk, as PlainAppend counts them; -1 none.
     int syncedName = -1;
+    /// Which file's name was locked last, counted likewise.
+    int lockedName = -1;
     /// Whether the caller opened it as a buffered device.
     bool isReadingAhead = false;
     /// Where the next byte is read or written; pos() lags behind by what was read ahead.
@@ -176,6 +179,21 @@ void FileEncrypt::Private::syncPlain()
     syncedName = name;
 }
 
+/// Whether the file is another than at the last time.
+bool FileEncrypt::Private::lock()
+{
+    if (!(q->openMode() & Append) || !(file || plain))
+        throw Failure{QStringLiteral("Only a regular file open for appending can be locked")};
+    qint64 const end = file ? file->lock() : plain->lock();
+    if (q->isSequential() || !q->seek(end)) {
+        q->unlock();
+        throw Failure{QStringLiteral("The end of the file cannot be told")};
+    }
+    int const before = lockedName;
+    lockedName = file ? file->switches() : plain->switches();
+    return lockedName != before;
+}
+
 qint64 FileEncrypt::Private::sizeOfClosed() const
 {
     posix::Descriptor const descriptor(posix::open(path(), O_RDONLY | O_NONBLOCK));
@@ -225,6 +243,7 @@ bool FileEncrypt::open(OpenMode mode)
     m_d->headerError = NoHeaderError;
     m_d->hasSyncFailed = false;
     m_d->syncedName = -1;
+    m_d->lockedName = -1;
     m_d->position = 0;
     auto const openIt = [&] { return m_d->isEncrypted() ? m_d->openEncrypted(completed(mode)) : m_d->openPlain(mode); };
     return m_d->guarded(openIt, false);
@@ -297,6 +316,25 @@ bool FileEncrypt::sync()
     if (m_d->file)
         return m_d->guarded([&] { return m_d->file->sync(), true; }, false);
     return isOpen() && !m_d->hasSyncFailed && flush() && m_d->guarded([&] { return m_d->syncPlain(), true; }, false);
+}
+
+bool FileEncrypt::lock(bool* isAnother)
+{
+    auto const lockIt = [&] {
+        bool const hasChanged = m_d->lock();
+        if (isAnother)
+            *isAnother = hasChanged;
+        return true;
+    };
+    return m_d->guarded(lockIt, false);
+}
+
+void FileEncrypt::unlock()
+{
+    if (m_d->file)
+        m_d->file->unlock();
+    else if (m_d->plain)
+        m_d->plain->unlock();
 }
 
 FileEncrypt::VerifyResult FileEncrypt::verify(QByteArray const& anchor)

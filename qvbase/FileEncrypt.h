@@ -79,6 +79,14 @@ public:
     /// until the file is opened anew.
     bool sync();
 
+    /// Keeps others from appending until unlock(), so that what is found in the file still holds when it is written to.
+    /// For a device open with QIODevice::Append; the file is then the one that the name stands for, and pos() its end.
+    /// @p isAnother tells whether that is another file than at the last lock(), as it is for the first one since
+    /// open(). Waits for whoever holds the lock, 10 seconds at most. Each lock() needs its own unlock(); close() ends
+    /// them all.
+    bool lock(bool* isAnother = nullptr);
+    void unlock();
+
     /// Reads the whole file, open or not. With an @p anchor kept from an earlier anchor(), also tells whether the file
     /// is the same one and still holds what it held then.
     VerifyResult verify(QByteArray const& anchor = {});

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <qvbase/NamedFile_p.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace qv::posix {
@@ -149,7 +152,7 @@ bool NamedFile::exchange(int fresh)
     ino_t const inode = m_inode;
     rememberIdentity();
     m_switches += device != m_device || inode != m_inode;
-    return true;
+    return m_locks == 0 || waitForLock();
 }
 
 bool NamedFile::reopen()
@@ -162,6 +165,7 @@ bool NamedFile::parryFork(bool followName)
 {
     if (::getpid() == m_process)
         return true;
+    m_locks = 0;
     if (!followName && !isNamed()) {
         errno = ESTALE;
         return false;
@@ -173,17 +177,40 @@ bool NamedFile::parryFork(bool followName)
     return true;
 }
 
+bool NamedFile::waitForLock()
+{
+    using namespace std::chrono;
+    auto const deadline = steady_clock::now() + seconds(10);
+    auto pause = microseconds(10);
+    while (::flock(m_fd, LOCK_EX | LOCK_NB) != 0) {
+        if (errno != EWOULDBLOCK && errno != EINTR)
+            return false;
+        if (steady_clock::now() > deadline) {
+            errno = ETIMEDOUT;
+            return false;
+        }
+        std::this_thread::sleep_for(pause);
+        pause = std::min(2 * pause, microseconds(1000));
+    }
+    return true;
+}
+
 bool NamedFile::lock(bool followName)
 {
+    bool const isHeld = parryFork(followName) && (m_locks > 0 || lockOutermost(followName));
+    m_locks += isHeld;
+    return isHeld;
+}
+
+bool NamedFile::lockOutermost(bool followName)
+{
     constexpr int maxSwitches = 1000;
-    if (!parryFork(followName))
-        return false;
     for (int i = 0; i < maxSwitches; ++i) {
-        if (retry([&] { return ::flock(m_fd, LOCK_EX); }) != 0)
+        if (!waitForLock())
             return false;
         if (!followName || isNamed())
             return true;
-        unlock();
+        ::flock(m_fd, LOCK_UN);
         if (!reopen())
             return false;
     }
@@ -193,6 +220,9 @@ bool NamedFile::lock(bool followName)
 
 void NamedFile::unlock()
 {
+    // A fork took no part in a lock that was held then.
+    if (m_locks == 0 || ::getpid() != m_process || --m_locks > 0)
+        return;
     int const error = errno;
     ::flock(m_fd, LOCK_UN);
     errno = error;

@@ -53,12 +53,14 @@ public:
     int fd() const { return m_fd; }
     QByteArray const& path() const { return m_path; }
 
-    /// Waits for the lock. With @p followName the file is then the one that the path names, made where there is none.
+    /// Waits for the lock, at most so long that a stopped process which holds it is not waited for in vain. With
+    /// @p followName the file is then the one that the path names, made where there is none. Each lock() needs its own
+    /// unlock(); within another one it changes nothing.
     bool lock(bool followName);
     void unlock();
     /// Whether the path still names the file.
     bool isNamed() const;
-    /// Takes the file that the path names now; the lock of the former one ends.
+    /// Takes the file that the path names now, and its lock if that of the former one was held.
     bool reopen();
     /// How often another file was taken; to be compared with an earlier value.
     int switches() const { return m_switches; }
@@ -67,6 +69,8 @@ public:
 
 private:
     bool parryFork(bool followName);
+    bool waitForLock();
+    bool lockOutermost(bool followName);
     bool exchange(int fresh);
     void rememberIdentity();
 
@@ -78,6 +82,7 @@ private:
     pid_t m_process = 0;
     int m_switches = 0;
     int m_forks = 0;
+    int m_locks = 0;
 };
 
 /// Holds the lock of a NamedFile to the end of its scope.

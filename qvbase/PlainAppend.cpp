@@ -49,16 +49,39 @@ PlainAppend::PlainAppend(int fd, QByteArray const& path, bool isReadable)
     m_file.attach(fd, path, O_APPEND | (isReadable ? O_RDWR : O_WRONLY));
 }
 
+void PlainAppend::noticeSwitch()
+{
+    if (m_file.switches() != m_knownSwitches)
+        requirePlain(m_file.path());
+    m_knownSwitches = m_file.switches();
+}
+
+qint64 PlainAppend::lock()
+{
+    require(m_file.lock(true));
+    try {
+        noticeSwitch();
+        return end();
+    } catch (Failure const&) {
+        m_file.unlock();
+        throw;
+    }
+}
+
+qint64 PlainAppend::end() const
+{
+    qint64 const size = posix::sizeOf(m_file.fd());
+    require(size >= 0);
+    return size;
+}
+
 void PlainAppend::append(char const* text, qint64 size)
 {
     posix::FileLock const lock(m_file, true);
     require(lock.isHeld());
-    if (m_file.switches() != m_knownSwitches)
-        requirePlain(m_file.path());
-    m_knownSwitches = m_file.switches();
+    noticeSwitch();
 
-    qint64 const before = posix::sizeOf(m_file.fd());
-    require(before >= 0);
+    qint64 const before = end();
     if (posix::write(m_file.fd(), text, size))
         return;
     Failure const failure = {qt_error_string(errno)};

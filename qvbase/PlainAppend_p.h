@@ -15,10 +15,16 @@ public:
     /// @p fd stays the caller's.
     PlainAppend(int fd, QByteArray const& path, bool isReadable);
     void append(char const* text, qint64 size);
+    /// Around several appends that nobody else's may come between. Returns where the file ends.
+    qint64 lock();
+    void unlock() { m_file.unlock(); }
     /// How often another file had taken the path.
     int switches() const { return m_knownSwitches; }
 
 private:
+    void noticeSwitch();
+    qint64 end() const;
+
     posix::NamedFile m_file;
     int m_knownSwitches = 0;
 };
