@@ -18,7 +18,7 @@ public:
     ExceptionQt& operator=(ExceptionQt const&) = default;
     ~ExceptionQt() override;
 
-    QString const& message() const noexcept { return m_message; }
+    virtual QString const& message() const noexcept { return m_message; }
     /// The message as UTF-8; valid as long as the exception.
     char const* what() const noexcept override;
     /// The exception that led to this one; null where there was none.
