@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <GenericUtilities/actionlog/ActionLog_p.h>
+
+#include <GenericUtilities/actionlog/SplitPolicy_p.h>
+#include <GenericUtilities/settings/Settings.h>
+#include <qvbase/FileUtils.h>
+
+#include <QVariant>
+
+namespace qv {
+
+namespace {
+
+    // Stored; never rename.
+    constexpr QLatin1String groupName("ActionLog");
+    constexpr QLatin1String splitPolicyKey("SplitState");
+    constexpr QLatin1String splitSizeKey("SplitSize");
+    constexpr QLatin1String userKey("ActionLogUser");
+    constexpr QLatin1String passwordKey("ActionLogPassword");
+    constexpr QLatin1String isDefaultPathKey("isDefaultLogPath");
+    constexpr QLatin1String pathKey("ActionLogPath");
+    constexpr QLatin1String durabilityKey("Durability");
+    /// What stands for the user's data folder in a stored path.
+    constexpr QLatin1String dataFolder("%LOCALAPPDATA%");
+
+    bool isDefault(QFileInfo const& file)
+    {
+        return file.absoluteFilePath() == ActionLog::defaultFileInfo().absoluteFilePath();
+    }
+
+    QString storedPath(QFileInfo const& file)
+    {
+        QString const path = file.absoluteFilePath();
+        QString const folder = FileUtils::userDataDir();
+        bool const isWithin = path.startsWith(folder + QLatin1Char('/'));
+        return isWithin ? dataFolder + path.midRef(folder.size()) : path;
+    }
+
+    QString pathFrom(QString const& stored)
+    {
+        bool const isWithin = stored.startsWith(dataFolder);
+        return isWithin ? FileUtils::userDataDir() + stored.midRef(dataFolder.size()) : stored;
+    }
+
+    QByteArray storedPassword(QString const& password)
+    {
+        // Up to the first zero byte, as stored ones end.
+        return QByteArray(password.toLocal8Bit().constData()).toBase64();
+    }
+
+    QString passwordFrom(QByteArray const& stored)
+    {
+        return QString::fromLocal8Bit(QByteArray::fromBase64(stored));
+    }
+
+    EDurability durabilityFrom(int number)
+    {
+        bool const isKnown = number >= DurabilityNone && number <= DurabilityData;
+        return isKnown ? static_cast<EDurability>(number) : DurabilityFlush;
+    }
+
+    QFileInfo loadFile(IPersistDestination const& from, QFileInfo const& otherwise)
+    {
+        if (from.value(isDefaultPathKey, isDefault(otherwise)).toBool())
+            return ActionLog::defaultFileInfo();
+        QString const path = pathFrom(from.value(pathKey, QString()).toString());
+        return path.isEmpty() ? otherwise : QFileInfo(path);
+    }
+
+} // namespace
+
+void ActionLog::save(IPersistDestination* destination) const
+{
+    MutexLocker const locker(m_d->mutex);
+    destination->beginGroup(groupName);
+    destination->setValue(splitPolicyKey, int(m_d->splitPolicy));
+    destination->setValue(splitSizeKey, m_d->splitSize);
+    destination->setValue(userKey, m_d->user);
+    destination->setValue(passwordKey, storedPassword(m_d->password));
+    destination->setValue(isDefaultPathKey, isDefault(m_d->fileInfo));
+    destination->setValue(pathKey, storedPath(m_d->fileInfo));
+    destination->setValue(durabilityKey, int(m_d->durability));
+    destination->endGroup();
+}
+
+void ActionLog::load(IPersistDestination* destination)
+{
+    m_d->call([this, destination] {
+        destination->beginGroup(groupName);
+        m_d->splitPolicy = split::policyFrom(destination->value(splitPolicyKey, int(m_d->splitPolicy)).toInt());
+        m_d->splitSize = destination->value(splitSizeKey, m_d->splitSize).toInt();
+        QString const user = destination->value(userKey, m_d->user).toString();
+        QVariant const password = destination->value(passwordKey, storedPassword(m_d->password));
+        m_d->useCredentials(user, passwordFrom(password.toByteArray()));
+        m_d->useFile(loadFile(*destination, m_d->fileInfo));
+        setDurability(durabilityFrom(destination->value(durabilityKey, int(m_d->durability)).toInt()));
+        destination->endGroup();
+    });
+}
+
+} // namespace qv

@@ -1,0 +1,356 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <GenericUtilities/actionlog/LogFile_p.h>
+
+#include <GenericUtilities/actionlog/ActionLogTesting_p.h>
+#include <GenericUtilities/actionlog/LogDocument_p.h>
+#include <GenericUtilities/actionlog/LogReader.h>
+#include <GenericUtilities/actionlog/LogXml_p.h>
+#include <GenericUtilities/actionlog/TornText_p.h>
+#include <GenericUtilities/actionlog/Translation_p.h>
+
+#include <QFileInfo>
+
+#include <cerrno>
+#include <unistd.h>
+
+namespace qv {
+
+namespace {
+
+    constexpr int maxWaitingBytes = 65536;
+
+    bool mayNotBeRead(QString const& path)
+    {
+        return ::access(QFile::encodeName(path).constData(), R_OK) != 0 && errno == EACCES;
+    }
+
+} // namespace
+
+LogFile::LogFile() = default;
+
+LogFile::~LogFile() = default;
+
+void LogFile::setCredentials(QString const& user, QString const& password)
+{
+    m_user = user;
+    m_password = password;
+}
+
+void LogFile::setVersions(QString const& application, QString const& language)
+{
+    m_applicationVersion = application;
+    m_languageVersion = language;
+}
+
+std::unique_ptr<FileEncrypt> LogFile::newDevice(QString const& path) const
+{
+    auto device = std::make_unique<FileEncrypt>(path);
+    device->setFileUserPassword(m_user, m_password);
+    return device;
+}
+
+std::unique_ptr<FileEncrypt> LogFile::newReader()
+{
+    auto file = newDevice(m_path);
+    if (!file->open(QIODevice::ReadOnly))
+        refuse(*file);
+    return file;
+}
+
+void LogFile::open()
+{
+    m_identity = FileIdentity::of(m_path);
+    QFileInfo const info(m_path);
+    // A pipe without a reader would keep us waiting.
+    if (info.exists() && !info.isFile())
+        throw couldNotOpen();
+    auto device = newDevice(m_path);
+    if (!device->open(QIODevice::Append))
+        refuse(*device);
+    m_device = std::move(device);
+    m_size = -1;
+}
+
+bool LogFile::takeTurn()
+{
+    m_isBad = false;
+    bool const wasOpen = isOpen();
+    if (!wasOpen)
+        open();
+    bool isAnother = false;
+    if (!m_device->lock(&isAnother))
+        refuse(*m_device);
+    if (isAnother)
+        m_size = -1;
+    try {
+        look();
+    } catch (ActionLogException const&) {
+        endTurn();
+        throw;
+    }
+    return wasOpen && isAnother;
+}
+
+void LogFile::endTurn()
+{
+    if (m_device)
+        m_device->unlock();
+}
+
+/// A file that ends where this log left it was not touched by anybody.
+void LogFile::look()
+{
+    qint64 const size = m_device->pos();
+    if (size == m_size)
+        return;
+    m_size = -1;
+    m_end = LogFileEnd();
+    if (size > 0) {
+        auto const file = newReader();
+        m_end = findLogFileEnd(*file);
+        if (m_end.kind == LogFileEnd::Empty || m_end.kind == LogFileEnd::Unreadable)
+            refuse(*file);
+        if (m_end.kind == LogFileEnd::Damaged)
+            refuseDamaged();
+        if (m_end.kind == LogFileEnd::Torn)
+            keepTorn(*file);
+        if (isBegun())
+            readHeader(*file);
+    }
+    m_size = m_device->pos();
+}
+
+void LogFile::refuseDamaged()
+{
+    LogFileContent content = read();
+    if (!content.isDamaged)
+        content.error = translated(QT_TRANSLATE_NOOP("ActionLog", "No action log"));
+    content.isDamaged = true;
+    requireSound(content);
+}
+
+void LogFile::readHeader(FileEncrypt& file)
+{
+    file.seek(0);
+    XMLLogReader reader(&file);
+    auto const header = reader.readHeader();
+    if (!header)
+        refuse(file);
+    if (!header->isCurrentVersion())
+        refuseHeader();
+    m_date = header->date.isValid() ? header->date.toLocalTime() : QFileInfo(m_path).lastModified();
+}
+
+void LogFile::append(QByteArray const& entry)
+{
+    if (m_durability == DurabilityNone && m_waiting.size() + entry.size() <= maxWaitingBytes)
+        m_waiting += entry;
+    else
+        writeWaiting(entry);
+}
+
+void LogFile::flush()
+{
+    if (m_waiting.isEmpty())
+        return;
+    LogFileTurn const turn(*this);
+    writeWaiting({});
+}
+
+void LogFile::writeWaiting(QByteArray const& more)
+{
+    QByteArray const bytes = m_waiting + more;
+    if (bytes.isEmpty())
+        return;
+    makeReady();
+    put(bytes);
+    m_waiting.clear();
+}
+
+void LogFile::makeReady()
+{
+    if (m_end.kind == LogFileEnd::Empty)
+        begin();
+    else if (m_end.kind == LogFileEnd::Ended)
+        cutAt(m_end.offset);
+}
+
+LogFileHeader LogFile::newHeader(QString const& path) const
+{
+    LogFileHeader header;
+    header.logFile = QFileInfo(path).absoluteFilePath();
+    header.date = actionLogTime();
+    header.applicationVersion = m_applicationVersion;
+    header.languageVersion = m_languageVersion;
+    return header;
+}
+
+void LogFile::begin()
+{
+    LogFileHeader const header = newHeader(m_path);
+    put(xml::toXml(header));
+    m_end.kind = LogFileEnd::Open;
+    m_date = header.date;
+}
+
+/// As one write, so that an encrypted file can be cut there in place.
+void LogFile::finish()
+{
+    writeWaiting({});
+    if (m_end.kind != LogFileEnd::Open)
+        return;
+    qint64 const end = m_size;
+    put(logEndTag());
+    m_end = {LogFileEnd::Ended, end};
+}
+
+void LogFile::put(QByteArray const& bytes)
+{
+    qint64 const before = m_size;
+    // Until it is known to be there.
+    m_size = -1;
+    qint64 const count = m_device->write(bytes);
+    if (count != bytes.size() || !m_device->flush()) {
+        if (count > 0)
+            m_device->resize(before);
+        throw couldNotOpen();
+    }
+    sync();
+    m_size = before + count;
+}
+
+void LogFile::cutAt(qint64 offset)
+{
+    m_size = -1;
+    if (!m_device->resize(offset))
+        throw couldNotOpen();
+    sync();
+    m_end = {offset > 0 ? LogFileEnd::Open : LogFileEnd::Empty, offset};
+    m_size = offset;
+}
+
+void LogFile::keepTorn(FileEncrypt& file)
+{
+    qint64 const offset = m_end.offset;
+    if (!keepTornText(file, offset, [this](QString const& path) { return newDevice(path); }))
+        throw couldNotOpen();
+    cutAt(offset);
+}
+
+void LogFile::sync()
+{
+    if (m_durability != DurabilityData || m_device->sync())
+        return;
+    // What the disk holds is unknown: the file is read anew before anything else is written.
+    m_device.reset();
+    throw couldNotOpen();
+}
+
+bool LogFile::moveAside(AsideName const& name)
+{
+    if (!canMoveAside(m_path))
+        return false;
+    finish();
+    if (qv::moveAside(m_path, name).isNull())
+        return false;
+    endTurn();
+    return true;
+}
+
+bool LogFile::moveBadAside(AsideName const& name)
+{
+    return moveAsideLocked(m_path, m_identity, name);
+}
+
+void LogFile::leave()
+{
+    if (!isOpen())
+        return;
+    try {
+        // Where another process moved the file aside, it has ended it.
+        if (QFileInfo::exists(m_path) || !m_waiting.isEmpty()) {
+            LogFileTurn const turn(*this);
+            finish();
+        }
+    } catch (ActionLogException const&) {
+        // The entries are there; readers do without the end tag.
+    }
+    m_device.reset();
+    m_waiting.clear();
+}
+
+LogFileContent LogFile::read()
+{
+    auto const file = newReader();
+    LogFileContent content = readLogFile(*file);
+    // A device that fails looks like damage, too; it may do so once or for good.
+    if (content.isDamaged)
+        content = readLogFile(*file);
+    if (content.isDamaged && !isReadable(*file))
+        refuse(*file);
+    if (content.header && !content.header->isCurrentVersion())
+        refuseHeader();
+    return content;
+}
+
+std::optional<ActionLogXmlException> LogFile::damageOf(LogFileContent const& content) const
+{
+    if (!content.isDamaged)
+        return std::nullopt;
+    QString const message
+        = translated(QT_TRANSLATE_NOOP("ActionLog", "Error reading log file '%1'; Line '%2'; Column '%3'"))
+              .arg(m_path, QString::number(content.line), QString::number(content.column));
+    return ActionLogXmlException(message, content.error, content.line, content.column);
+}
+
+void LogFile::requireSound(LogFileContent const& content)
+{
+    auto const damage = damageOf(content);
+    if (!damage)
+        return;
+    noteBad();
+    throw *damage;
+}
+
+ActionLogFileException LogFile::couldNotOpen() const
+{
+    QString const message = translated(QT_TRANSLATE_NOOP("ActionLog", "Could not open file '%1'")).arg(m_path);
+    return {message, m_path, ActionLogFileException::CouldNotOpen};
+}
+
+void LogFile::refuse(FileEncrypt& device)
+{
+    if (device.headerError() != FileEncrypt::NoHeaderError)
+        refuseHeader();
+    if (isUnusable(device))
+        noteBad();
+    throw couldNotOpen();
+}
+
+void LogFile::refuseHeader()
+{
+    noteBad();
+    QString const message
+        = translated(QT_TRANSLATE_NOOP("ActionLog", "Action log '%1' invalid header version.")).arg(m_path);
+    throw ActionLogFileException(message, m_path, ActionLogFileException::InvalidHeader);
+}
+
+/// Whether the file is at fault, and not something that passes: a full disk, a lack of file handles.
+bool LogFile::isUnusable(FileEncrypt& device) const
+{
+    using Found = FileEncrypt::VerifyResult;
+    if (m_password.isEmpty() || mayNotBeRead(m_path))
+        return mayNotBeRead(m_path);
+    Found::Class const found = device.verify().result;
+    return found == Found::Damaged || found == Found::TornOrTampered;
+}
+
+void LogFile::noteBad()
+{
+    if (m_device)
+        m_identity = FileIdentity::of(m_device->handle());
+    m_device.reset();
+    m_isBad = true;
+}
+
+} // namespace qv

@@ -1,0 +1,454 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "LogScene.h"
+
+#include <qvbase/FileUserLogon.h>
+
+#include <QMetaMethod>
+#include <QTest>
+
+#include <cerrno>
+
+using qv::ActionLog;
+using scene::Scene;
+
+namespace {
+
+/// A type that no factory knows.
+class UnknownEntry : public qv::LogEntry {
+public:
+    qv::FourChars id() const override { return "Unkn"; }
+    qv::ELogCategory category() const override { return qv::LogCategoryNone; }
+    QString descriptionText() const override { return {}; }
+    QString action() const override { return {}; }
+};
+
+/// Restores the built-in logon of file users.
+struct Logon {
+    explicit Logon(qv::FileUserLogon::Provider provider) { qv::FileUserLogon::setProvider(std::move(provider)); }
+    ~Logon() { qv::FileUserLogon::setProvider({}); }
+    Logon(Logon const&) = delete;
+    Logon& operator=(Logon const&) = delete;
+};
+
+qv::FileUserLogon::Provider knowing(QString const& first, QString const& second)
+{
+    return [first, second](QString const&, QString const&, QString*, int*) {
+        return std::make_unique<qv::FileUserLogon>(first, second);
+    };
+}
+
+std::unique_ptr<qv::FileUserLogon> knowNobody(QString const&, QString const&, QString* text, int* error)
+{
+    *text = QStringLiteral("nobody is known");
+    *error = ENOENT;
+    return nullptr;
+}
+
+QStringList added(int row)
+{
+    return {QStringLiteral("adding %1 %1 of %1").arg(row), QStringLiteral("added %1 %1 of %2").arg(row).arg(row + 1)};
+}
+
+} // namespace
+
+/// The instance, the list with its signals, and who is logging.
+class tst_ActionLog : public QObject {
+    Q_OBJECT
+
+private slots:
+    void metaObject();
+    void oneInstance();
+    void activity();
+    void listsACopy();
+    void ignoresWhatItCannotCopy();
+    void readingListsOnce();
+    void readEntries_data();
+    void readEntries();
+    void damageIsListedAndTold();
+    void deletesRuns();
+    void removesAll();
+    void backsUp();
+    void backupOverwritesNothing();
+    void snapshotOutlivesTheList();
+    void switches();
+    void anotherFileEmptiesTheList();
+    void receiverThatLogs();
+    void receiverThatChangesTheList();
+    void receiverThatDeletesTheLog();
+    void receiverThatLogsErrors();
+    void userName_data();
+    void userName();
+    void unknownFileUserIsRefused();
+};
+
+void tst_ActionLog::metaObject()
+{
+    QMetaObject const& meta = ActionLog::staticMetaObject;
+    QCOMPARE(meta.className(), "qv::ActionLog");
+    QStringList methods;
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
+        methods << QString::fromLatin1(meta.method(i).methodSignature());
+    QCOMPARE(methods,
+        QStringList({QStringLiteral("addingLogEntries(int,int)"), QStringLiteral("logEntriesAdded(int,int)"),
+            QStringLiteral("removingLogEntries(int,int)"), QStringLiteral("logEntriesRemoved(int,int)"),
+            QStringLiteral("errorLogon(QString,int)"), QStringLiteral("errorFile(QString,int)"),
+            QStringLiteral("errorXml(QString,int,int)"), QStringLiteral("switchedFileHandle(QString)"),
+            QStringLiteral("incompatibleHeader()")}));
+    QCOMPARE(meta.method(meta.methodCount() - 1).methodType(), QMetaMethod::Slot);
+}
+
+void tst_ActionLog::oneInstance()
+{
+    Scene scene;
+    QCOMPARE(ActionLog::getInstance(), ActionLog::getInstance());
+    scene.logText(QStringLiteral("one"));
+    ActionLog::deleteActionLog();
+    ActionLog::deleteActionLog();
+    QCOMPARE(ActionLog::getInstance()->entryCount(), 0);
+    QCOMPARE(ActionLog::getInstance()->fileInfo(), ActionLog::defaultFileInfo());
+    QCOMPARE(ActionLog::defaultFileInfo().fileName(), QStringLiteral("ActionLog.qvl"));
+}
+
+void tst_ActionLog::activity()
+{
+    QVERIFY(ActionLog::defaultActive());
+    ActionLog::setDefaultActive(false);
+    Scene scene;
+    ActionLog::setDefaultActive(true);
+    QVERIFY(!scene.log().isActive());
+    scene.logText(QStringLiteral("ignored"));
+    QCOMPARE(scene.told, QStringList());
+    QCOMPARE(scene.files(), QStringList());
+    scene.log().activate();
+    QVERIFY(scene.log().isActive());
+    scene.logText(QStringLiteral("one"));
+    QCOMPARE(scene.texts(), QStringList({QStringLiteral("one")}));
+}
+
+void tst_ActionLog::listsACopy()
+{
+    Scene scene;
+    ExportDoneLogEntry entry;
+    entry.text.setValue(QStringLiteral("one"));
+    entry.user().setValue(QStringLiteral("somebody"));
+    scene.log().log(entry);
+    QCOMPARE(scene.told, added(0));
+    QCOMPARE(entry.user().value(), QStringLiteral("somebody"));
+    qv::LogEntry const* const copy = scene.log().entry(0);
+    QVERIFY(copy != &entry);
+    QCOMPARE(copy->user().value(), scene::user);
+    QCOMPARE(copy->time().value(), entry.time().value());
+    QCOMPARE(scene::textOf(copy), QStringLiteral("one"));
+    QCOMPARE(scene.log().entry(-1), nullptr);
+    QCOMPARE(scene.log().entry(1), nullptr);
+}
+
+void tst_ActionLog::ignoresWhatItCannotCopy()
+{
+    Scene scene;
+    scene.log().log(UnknownEntry());
+    QCOMPARE(scene.told, QStringList({QStringLiteral("errorXml line 0")}));
+    QCOMPARE(scene.log().entryCount(), 0);
+}
+
+void tst_ActionLog::readingListsOnce()
+{
+    Scene scene;
+    scene.hold(scene::header(scene.path()) + scene::element(QStringLiteral("one")));
+    scene.log().readLog();
+    scene.log().readLog();
+    QCOMPARE(scene.listed(), QStringList({QStringLiteral("one")}));
+    QCOMPARE(scene.told,
+        added(0) + QStringList({QStringLiteral("removing 0 0 of 1"), QStringLiteral("removed 0 0 of 0")}) + added(0));
+    scene.logText(QStringLiteral("two"));
+    QStringList const both = {QStringLiteral("one"), QStringLiteral("two")};
+    QCOMPARE(scene.listed(), both);
+    scene.log().readLog();
+    QCOMPARE(scene.listed(), both);
+}
+
+void tst_ActionLog::readEntries_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<int>("mode");
+    QTest::addColumn<bool>("isOpened");
+    QTest::addColumn<QStringList>("listed");
+    QByteArray const whole
+        = scene::header(QStringLiteral("/Trail.qvl")) + scene::element(QStringLiteral("one")) + scene::endTag;
+    QStringList const one = {QStringLiteral("one")};
+    QTest::newRow("empty file") << QByteArray() << int(QIODevice::ReadOnly) << true << QStringList();
+    QTest::newRow("empty file, to be extended") << QByteArray() << int(QIODevice::ReadWrite) << true << QStringList();
+    QTest::newRow("ended file") << whole << int(QIODevice::ReadOnly) << true << one;
+    QTest::newRow("ended file, to be extended") << whole << int(QIODevice::ReadWrite) << true << one;
+    QTest::newRow("file without its end tag") << whole.chopped(12) << int(QIODevice::ReadOnly) << true << one;
+    QTest::newRow("unknown entries are left out")
+        << scene::header(QStringLiteral("/Trail.qvl")) + "<Entry ID=\"Unkn\"/>" + scene::element(QStringLiteral("one"))
+        << int(QIODevice::ReadOnly) << true << one;
+    QTest::newRow("another version") << scene::header(QStringLiteral("/Trail.qvl"), "2026-11-21T10:11:12", "v9")
+                                     << int(QIODevice::ReadOnly) << false << QStringList();
+}
+
+void tst_ActionLog::readEntries()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(int, mode);
+    Scene scene;
+    scene.hold(content);
+    QTEST(scene.log().readEntries(QIODevice::OpenMode(mode)), "isOpened");
+    QTEST(scene.listed(), "listed");
+    QCOMPARE(scene.bytes(), content);
+}
+
+void tst_ActionLog::damageIsListedAndTold()
+{
+    Scene scene;
+    QByteArray const one = scene::element(QStringLiteral("one"));
+    QByteArray const damaged = scene::header(scene.path()) + one + "\n" + one.chopped(4) + one;
+    scene.hold(damaged);
+    scene.log().readLog();
+    QCOMPARE(scene.told, added(0) + added(1) + QStringList({QStringLiteral("errorXml line 2")}));
+    QCOMPARE(scene.listed(), QStringList({QStringLiteral("one"), QString()}));
+    QCOMPARE(scene.log().entry(1)->id(), qv::FourChars("XmlP"));
+    QCOMPARE(scene.files(), QStringList({QStringLiteral("Trail.qvl")}));
+    try {
+        scene.log().readEntries(QIODevice::ReadOnly);
+        QFAIL("damage is not thrown");
+    } catch (qv::ActionLogXmlException const& damage) {
+        QCOMPARE(damage.line(), 2);
+        QCOMPARE(damage.message(),
+            QStringLiteral("Error reading log file '%1'; Line '2'; Column '%2'")
+                .arg(scene.path(), QString::number(damage.colum())));
+    }
+    QCOMPARE(scene.bytes(), damaged);
+    scene.logText(QStringLiteral("new"));
+    QCOMPARE(scene.bytes(QStringLiteral("2026-11-21 10-11-12 Trail.qvl.corrupt")), damaged);
+    QCOMPARE(scene.listed(), QStringList({QStringLiteral("new")}));
+}
+
+void tst_ActionLog::deletesRuns()
+{
+    Scene scene;
+    for (char letter = 'a'; letter <= 'f'; ++letter)
+        scene.logText(QChar::fromLatin1(letter));
+    QByteArray const before = scene.bytes();
+    scene.told.clear();
+    ExportDoneLogEntry stranger;
+    QList<qv::LogEntry*> const all = scene.log().entries();
+    QList<qv::LogEntry*> entries = {all[4], &stranger, all[1], all[2], all[1]};
+    scene.log().deleteEntries(entries);
+    QCOMPARE(scene.told,
+        QStringList({QStringLiteral("removing 4 4 of 6"), QStringLiteral("removed 4 4 of 5"),
+            QStringLiteral("removing 1 2 of 5"), QStringLiteral("removed 1 2 of 3")}));
+    QCOMPARE(scene.listed(), QStringList({QStringLiteral("a"), QStringLiteral("d"), QStringLiteral("f")}));
+    QCOMPARE(entries, QList<qv::LogEntry*>({&stranger}));
+    QCOMPARE(scene.bytes(), before);
+}
+
+void tst_ActionLog::removesAll()
+{
+    Scene scene;
+    scene.log().removeAllLogEntries();
+    QCOMPARE(scene.told, QStringList());
+    scene.logText(QStringLiteral("one"));
+    scene.logText(QStringLiteral("two"));
+    scene.told.clear();
+    scene.log().removeAllLogEntries();
+    QCOMPARE(scene.told, QStringList({QStringLiteral("removing 0 1 of 2"), QStringLiteral("removed 0 1 of 0")}));
+    QCOMPARE(scene.texts().size(), 2);
+}
+
+void tst_ActionLog::backsUp()
+{
+    Scene scene;
+    for (char const* text : {"one", "two", "three"})
+        scene.logText(QLatin1String(text));
+    QByteArray const kept = qv::xml::toXml(*scene.log().entry(0)) + qv::xml::toXml(*scene.log().entry(2));
+    QList<qv::LogEntry*> entries = {scene.log().entry(2), scene.log().entry(0)};
+    scene.told.clear();
+    QVERIFY(scene.log().backupEntries(entries, scene.path(QStringLiteral("Backup.qvl"))));
+    QCOMPARE(scene.bytes(QStringLiteral("Backup.qvl")),
+        scene::header(scene.path(QStringLiteral("Backup.qvl"))) + kept + scene::endTag);
+    QCOMPARE(scene.listed(), QStringList({QStringLiteral("two")}));
+    QCOMPARE(scene.told.size(), 4);
+    QVERIFY(entries.isEmpty());
+}
+
+void tst_ActionLog::backupOverwritesNothing()
+{
+    Scene scene;
+    scene.logText(QStringLiteral("one"));
+    scene.hold("kept", QStringLiteral("Backup.qvl"));
+    scene.told.clear();
+    QList<qv::LogEntry*> entries = scene.log().entries();
+    QVERIFY(!scene.log().backupEntries(entries, scene.path(QStringLiteral("Backup.qvl"))));
+    QCOMPARE(scene.told, QStringList({QStringLiteral("errorFile Backup.qvl 1")}));
+    QCOMPARE(scene.bytes(QStringLiteral("Backup.qvl")), QByteArray("kept"));
+    QCOMPARE(entries, scene.log().entries());
+    QCOMPARE(scene.listed(), QStringList({QStringLiteral("one")}));
+}
+
+void tst_ActionLog::snapshotOutlivesTheList()
+{
+    Scene scene;
+    scene.logText(QStringLiteral("one"));
+    auto const snapshot = scene.log().snapshot();
+    scene.log().removeAllLogEntries();
+    QCOMPARE(snapshot.size(), 1);
+    QCOMPARE(scene::textOf(snapshot.first().data()), QStringLiteral("one"));
+}
+
+void tst_ActionLog::switches()
+{
+    Scene scene;
+    scene.logText(QStringLiteral("one"));
+    scene.told.clear();
+    QString const other = scene.path(QStringLiteral("Other.qvl"));
+    scene.log().switchFileHandle(scene.path());
+    QCOMPARE(scene.told, QStringList());
+    scene.log().switchFileHandle(other);
+    QCOMPARE(scene.told,
+        QStringList({QStringLiteral("removing 0 0 of 1"), QStringLiteral("removed 0 0 of 0")}) + added(0)
+            << QStringLiteral("switched Other.qvl"));
+    QVERIFY(scene.bytes().endsWith(scene::endTag));
+    qv::LogEntry const* const entry = scene.log().entry(0);
+    QCOMPARE(entry->id(), qv::FourChars("ALog"));
+    QCOMPARE(entry->logValue(qv::FourChars("filO"))->toString(), scene.path());
+    QCOMPARE(entry->logValue(qv::FourChars("filN"))->toString(), other);
+    QCOMPARE(scene.log().fileInfo(), QFileInfo(other));
+    QCOMPARE(scene.content(QStringLiteral("Other.qvl")).entries.size(), size_t(1));
+}
+
+void tst_ActionLog::anotherFileEmptiesTheList()
+{
+    Scene scene;
+    scene.logText(QStringLiteral("one"));
+    scene.log().setFileInfo(QFileInfo(scene.path(QStringLiteral("Other.qvl"))));
+    QCOMPARE(scene.listed(), QStringList());
+    QVERIFY(scene.bytes().endsWith(scene::endTag));
+    scene.logText(QStringLiteral("two"));
+    QCOMPARE(scene.texts(QStringLiteral("Other.qvl")), QStringList({QStringLiteral("two")}));
+}
+
+void tst_ActionLog::receiverThatLogs()
+{
+    Scene scene;
+    int written = 0;
+    auto const answer = [&] {
+        if (scene.log().entryCount() > 2)
+            return;
+        scene.logText(QStringLiteral("answer %1").arg(++written));
+        // It is in the file at once, and not in the list before the outer entry was announced.
+        QCOMPARE(scene.texts().size(), 1 + written);
+    };
+    QObject::connect(&scene.log(), &ActionLog::addingLogEntries, [&](int row, int) { row == 0 ? answer() : void(); });
+    QObject::connect(&scene.log(), &ActionLog::logEntriesAdded, [&](int row, int) { row == 0 ? answer() : void(); });
+    scene.logText(QStringLiteral("one"));
+    QStringList const all = {QStringLiteral("one"), QStringLiteral("answer 1"), QStringLiteral("answer 2")};
+    QCOMPARE(scene.told, added(0) + added(1) + added(2));
+    QCOMPARE(scene.listed(), all);
+    QCOMPARE(scene.texts(), all);
+}
+
+void tst_ActionLog::receiverThatChangesTheList()
+{
+    Scene scene;
+    QObject::connect(&scene.log(), &ActionLog::addingLogEntries, [&](int row, int) {
+        if (row != 1)
+            return;
+        QList<qv::LogEntry*> first = {scene.log().entry(0)};
+        scene.log().deleteEntries(first);
+        QVERIFY(first.isEmpty());
+        scene.log().switchFileHandle(scene.path(QStringLiteral("Other.qvl")));
+    });
+    scene.logText(QStringLiteral("one"));
+    scene.logText(QStringLiteral("two"));
+    QCOMPARE(scene.told,
+        added(0) + added(1)
+            + QStringList({QStringLiteral("removing 0 0 of 2"), QStringLiteral("removed 0 0 of 1"),
+                QStringLiteral("removing 0 0 of 1"), QStringLiteral("removed 0 0 of 0")})
+            + added(0) + QStringList({QStringLiteral("switched Other.qvl")}));
+    QCOMPARE(scene.texts(), QStringList({QStringLiteral("one"), QStringLiteral("two")}));
+}
+
+void tst_ActionLog::receiverThatDeletesTheLog()
+{
+    Scene scene;
+    ActionLog const* const log = &scene.log();
+    bool isDestroyed = false;
+    QObject::connect(log, &QObject::destroyed, [&] { isDestroyed = true; });
+    QObject::connect(log, &ActionLog::addingLogEntries, [&] {
+        ActionLog::deleteActionLog();
+        QVERIFY(!isDestroyed);
+    });
+    scene.logText(QStringLiteral("one"));
+    QVERIFY(isDestroyed);
+    QVERIFY(ActionLog::getInstance()->entryCount() == 0);
+    QVERIFY(scene.bytes().endsWith(scene::endTag));
+}
+
+void tst_ActionLog::receiverThatLogsErrors()
+{
+    Scene scene;
+    scene.log().setFileInfo(QFileInfo(scene.path(QStringLiteral("missing/Trail.qvl"))));
+    QObject::connect(&scene.log(), &ActionLog::errorFile, [&] { scene.logText(QStringLiteral("an error")); });
+    scene.logText(QStringLiteral("one"));
+    QCOMPARE(scene.told, QStringList({QStringLiteral("errorFile Trail.qvl 1")}));
+}
+
+void tst_ActionLog::userName_data()
+{
+    QTest::addColumn<bool>("hasFileUser");
+    QTest::addColumn<QString>("first");
+    QTest::addColumn<QString>("second");
+    QTest::addColumn<QByteArray>("environment");
+    QTest::addColumn<QString>("name");
+    QTest::newRow("both names") << true << "ann"
+                                << "Ann Smith" << QByteArray("env") << "ann (Ann Smith)";
+    QTest::newRow("no full name") << true << "ann"
+                                  << "" << QByteArray("env") << "ann";
+    QTest::newRow("no names: the environment") << true << ""
+                                               << "" << QByteArray("env") << "env (System)";
+    QTest::newRow("a full name alone") << true << ""
+                                       << "Ann Smith" << QByteArray("env") << " (Ann Smith)";
+    QTest::newRow("no file user") << false << ""
+                                  << "" << QByteArray("env") << "env (System)";
+    QTest::newRow("an empty name") << false << ""
+                                   << "" << QByteArray("") << " (System)";
+    QTest::newRow("no name") << false << ""
+                             << "" << QByteArray() << "";
+    QTest::newRow("what looks like a placeholder") << true << "%2"
+                                                   << "x" << QByteArray() << "%2 (x)";
+}
+
+void tst_ActionLog::userName()
+{
+    QFETCH(bool, hasFileUser);
+    QFETCH(QString, first);
+    QFETCH(QString, second);
+    QFETCH(QByteArray, environment);
+    Logon const logon(knowing(first, second));
+    Scene scene;
+    environment.isNull() ? qunsetenv("USERNAME") : qputenv("USERNAME", environment);
+    scene.log().setFileUserPassword(hasFileUser ? QStringLiteral("ann") : QString(), {});
+    scene.logText(QStringLiteral("one"));
+    QTEST(scene.log().userName(), "name");
+    QTEST(scene.log().entry(0)->user().value(), "name");
+}
+
+void tst_ActionLog::unknownFileUserIsRefused()
+{
+    Scene scene;
+    {
+        Logon const logon(knowNobody);
+        scene.log().setFileUserPassword(QStringLiteral("ann"), {});
+        scene.logText(QStringLiteral("refused"));
+        QCOMPARE(scene.told, QStringList({QStringLiteral("errorLogon ann %1").arg(ENOENT)}));
+        QCOMPARE(scene.files(), QStringList());
+    }
+    Logon const logon(knowing(QStringLiteral("ann"), {}));
+    scene.logText(QStringLiteral("one"));
+    QCOMPARE(scene.texts(), QStringList({QStringLiteral("one")}));
+}
+
+QTEST_GUILESS_MAIN(tst_ActionLog)
+#include "tst_ActionLog.moc"

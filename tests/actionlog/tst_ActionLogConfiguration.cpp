@@ -1,0 +1,199 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "LogScene.h"
+
+#include <GenericUtilities/settings/Settings.h>
+#include <qvbase/FileUtils.h>
+
+#include <QPair>
+#include <QTest>
+#include <QVariant>
+
+using scene::Scene;
+
+namespace {
+
+using Values = QList<QPair<QString, QVariant>>;
+
+/// Keeps what is saved in its order, and gives it back by its key.
+class Record : public qv::IPersistDestination {
+public:
+    explicit Record(Values const& stored = {})
+        : values(stored)
+    {
+    }
+
+    void beginGroup(QString const& prefix) override { m_group += prefix + QLatin1Char('/'); }
+    void endGroup() override { m_group.clear(); }
+    void beginWriteArray(QString const&, int) override { }
+    int beginReadArray(QString const&) override { return 0; }
+    void endArray() override { }
+    void setArrayIndex(int) override { }
+    void setValue(QString const& key, QVariant const& value) override { values.append({m_group + key, value}); }
+    QVariant value(QString const& key, QVariant const& defaultValue) const override
+    {
+        for (auto const& stored : values) {
+            if (stored.first == m_group + key)
+                return stored.second;
+        }
+        return defaultValue;
+    }
+    void remove(QString const&) override { }
+    bool contains(QString const&) const override { return false; }
+    void sync() override { }
+
+    Values values;
+
+private:
+    QString m_group;
+};
+
+QString key(char const* name)
+{
+    return QStringLiteral("ActionLog/") + QLatin1String(name);
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(Values)
+
+/// The stored configuration.
+class tst_ActionLogConfiguration : public QObject {
+    Q_OBJECT
+
+private slots:
+    void savesInOrder();
+    void savesTheDefaultPathByItsPlaceholder();
+    void passwords_data();
+    void passwords();
+    void loads();
+    void loadsThroughSettings();
+    void whatIsNotStoredStays();
+    void numbersWithoutMeaning_data();
+    void numbersWithoutMeaning();
+};
+
+void tst_ActionLogConfiguration::savesInOrder()
+{
+    Scene scene;
+    scene.log().setSplitPolicy(qv::SplitBySize, 1048576);
+    scene.log().setFileUserPassword(QStringLiteral("ann"), QStringLiteral("secret"));
+    scene.log().setDurability(qv::DurabilityData);
+    Record record;
+    scene.log().save(&record);
+    QCOMPARE(record.values,
+        Values({{key("SplitState"), 8}, {key("SplitSize"), 1048576}, {key("ActionLogUser"), QStringLiteral("ann")},
+            {key("ActionLogPassword"), QByteArray("c2VjcmV0")}, {key("isDefaultLogPath"), false},
+            {key("ActionLogPath"), scene.path()}, {key("Durability"), 2}}));
+}
+
+void tst_ActionLogConfiguration::savesTheDefaultPathByItsPlaceholder()
+{
+    Scene scene;
+    scene.log().setFileInfo(qv::ActionLog::defaultFileInfo());
+    Record record;
+    scene.log().save(&record);
+    QCOMPARE(record.values.at(4), qMakePair(key("isDefaultLogPath"), QVariant(true)));
+    QCOMPARE(record.values.at(5).second.type(), QVariant::String);
+    QCOMPARE(record.values.at(5).second.toString(),
+        QStringLiteral("%LOCALAPPDATA%") + qv::FileUtils::userLogDir().mid(qv::FileUtils::userDataDir().size())
+            + QStringLiteral("/ActionLog.qvl"));
+}
+
+void tst_ActionLogConfiguration::passwords_data()
+{
+    QTest::addColumn<QString>("password");
+    QTest::addColumn<QByteArray>("stored");
+    QTest::addColumn<QString>("loaded");
+    QTest::newRow("none") << "" << QByteArray("") << "";
+    QTest::newRow("plain") << "secret" << QByteArray("c2VjcmV0") << "secret";
+    QTest::newRow("up to the first zero")
+        << QString(QStringLiteral("sec") + QChar(QChar::Null) + QStringLiteral("ret")) << QByteArray("c2Vj") << "sec";
+}
+
+void tst_ActionLogConfiguration::passwords()
+{
+    QFETCH(QString, password);
+    QFETCH(QByteArray, stored);
+    QFETCH(QString, loaded);
+    Record record;
+    {
+        Scene scene(password);
+        scene.log().save(&record);
+        QCOMPARE(record.values.at(3), qMakePair(key("ActionLogPassword"), QVariant(stored)));
+    }
+    Scene scene;
+    scene.log().load(&record);
+    Record again;
+    scene.log().save(&again);
+    QCOMPARE(again.values.at(3).second.toByteArray(), QByteArray(loaded.toLocal8Bit().toBase64()));
+}
+
+void tst_ActionLogConfiguration::loads()
+{
+    Scene scene;
+    QString const path = qv::FileUtils::userDataDir() + QStringLiteral("/logs/Trail.qvl");
+    Record record({{key("SplitState"), 2}, {key("SplitSize"), 77}, {key("isDefaultLogPath"), false},
+        {key("ActionLogPath"), QStringLiteral("%LOCALAPPDATA%/logs/Trail.qvl")}, {key("Durability"), 0}});
+    scene.log().load(&record);
+    QCOMPARE(scene.log().splitPolicy(), qv::SplitWeekly);
+    QCOMPARE(scene.log().splitSize(), 77);
+    QCOMPARE(scene.log().fileInfo().absoluteFilePath(), path);
+    QCOMPARE(scene.log().durability(), qv::DurabilityNone);
+}
+
+void tst_ActionLogConfiguration::loadsThroughSettings()
+{
+    Scene scene(QStringLiteral("correct horse"));
+    scene.log().setSplitPolicy(qv::SplitMonthly, 5);
+    {
+        qv::Settings settings(scene.path(QStringLiteral("settings.ini")), QSettings::IniFormat);
+        scene.log().save(&settings);
+    }
+    scene.logText(QStringLiteral("one"));
+    qv::ActionLog::deleteActionLog();
+    qv::Settings settings(scene.path(QStringLiteral("settings.ini")), QSettings::IniFormat);
+    scene.log().load(&settings);
+    QCOMPARE(scene.log().splitPolicy(), qv::SplitMonthly);
+    QCOMPARE(scene.log().splitSize(), 5);
+    scene.logText(QStringLiteral("two"));
+    QCOMPARE(scene.texts(), QStringList({QStringLiteral("one"), QStringLiteral("two")}));
+}
+
+void tst_ActionLogConfiguration::whatIsNotStoredStays()
+{
+    Scene scene(QStringLiteral("correct horse"));
+    scene.log().setSplitPolicy(qv::SplitMonthly, 5);
+    scene.log().setDurability(qv::DurabilityData);
+    scene.logText(QStringLiteral("one"));
+    Record empty;
+    scene.log().load(&empty);
+    QCOMPARE(scene.log().splitPolicy(), qv::SplitMonthly);
+    QCOMPARE(scene.log().splitSize(), 5);
+    QCOMPARE(scene.log().durability(), qv::DurabilityData);
+    QCOMPARE(scene.log().fileInfo(), QFileInfo(scene.path()));
+    scene.logText(QStringLiteral("two"));
+    QCOMPARE(scene.texts(), QStringList({QStringLiteral("one"), QStringLiteral("two")}));
+}
+
+void tst_ActionLogConfiguration::numbersWithoutMeaning_data()
+{
+    QTest::addColumn<QVariant>("stored");
+    QTest::newRow("unknown") << QVariant(77);
+    QTest::newRow("negative") << QVariant(-1);
+    QTest::newRow("two policies at a time") << QVariant(3);
+    QTest::newRow("text") << QVariant(QStringLiteral("monthly"));
+}
+
+void tst_ActionLogConfiguration::numbersWithoutMeaning()
+{
+    QFETCH(QVariant, stored);
+    Scene scene;
+    scene.log().setSplitPolicy(qv::SplitMonthly, 5);
+    Record record({{key("SplitState"), stored}, {key("Durability"), QVariant(9)}});
+    scene.log().load(&record);
+    QCOMPARE(scene.log().splitPolicy(), qv::SplitNone);
+    QCOMPARE(scene.log().durability(), qv::DurabilityFlush);
+}
+
+QTEST_GUILESS_MAIN(tst_ActionLogConfiguration)
+#include "tst_ActionLogConfiguration.moc"
