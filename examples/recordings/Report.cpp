@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "Report.h"
 
-#include "Text.h"
 
 #include <GenericUtilities/properties/CommonProperties.h>
+#include <terminal/Text.h>
 
 #include <QTextStream>
 

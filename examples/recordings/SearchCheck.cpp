@@ -2,7 +2,6 @@
 #include "SearchCheck.h"
 
 #include "RecordingDatabase.h"
-#include "Text.h"
 
 #include <GenericUtilities/expressions/BooleanOperators.h>
 #include <GenericUtilities/expressions/Comparator.h>
@@ -10,6 +9,7 @@
 #include <GenericUtilities/expressions/NumericOperators.h>
 #include <GenericUtilities/expressions/TypeTool.h>
 #include <qvbase/Exceptions.h>
+#include <terminal/Text.h>
 
 using namespace qvgen;
 

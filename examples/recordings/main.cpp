@@ -11,26 +11,19 @@
 #include "Report.h"
 #include "SearchFile.h"
 #include "SqliteFunctions.h"
-#include "Text.h"
 
 #include <qvbase/Exceptions.h>
+#include <terminal/Terminal.h>
+#include <terminal/Text.h>
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QTextCodec>
 #include <QTextStream>
 
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace {
-
-int terminalWidth()
-{
-    winsize size{};
-    bool const known = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
-    return known ? size.ws_col : 100;
-}
 
 QTextStream& errorStream()
 {
@@ -103,7 +96,7 @@ int run(Options const& options)
         save(requested, options.saveFile);
 
     QTextStream out(stdout);
-    Report report(out, terminalWidth(), options.shownRows);
+    Report report(out, terminalWidth().value_or(100), options.shownRows);
     report.catalogue(catalogue, secondsFor("Indexing", [&](Progress const& progress) { catalogue.index(progress); }));
     report.stored(database.file(),
         secondsFor("Storing", [&](Progress const& progress) { database.store(catalogue.recordings(), progress); }));

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 // Keeps lines of text in an encrypted file. Vault.cpp has what matters: the device is opened, written, read and
-// verified like any QFile; Password.cpp and Terminal.cpp ask for the password. Run it with --help.
+// verified like any QFile. Run it with --help.
 
 #include "Options.h"
-#include "Password.h"
 #include "Vault.h"
+
+#include <terminal/Password.h>
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -40,7 +41,8 @@ void perform(Task task, Vault& vault)
 int run(Options const& options)
 {
     bool const isNew = options.task == Task::Append && QFileInfo(options.file).size() == 0;
-    Vault vault(options.file, options.user, findPassword(options.passwordFile, isNew));
+    Vault vault(
+        options.file, options.user, findPassword({options.passwordFile, "VAULT_PASSWORD", "Password: "}, isNew));
     perform(options.task, vault);
     return 0;
 }

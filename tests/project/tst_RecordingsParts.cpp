@@ -3,7 +3,7 @@
 
 #include <recordings/Recording.h>
 #include <recordings/Report.h>
-#include <recordings/Text.h>
+#include <terminal/Text.h>
 
 #include <QTextStream>
 

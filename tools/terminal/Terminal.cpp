@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "Terminal.h"
+#include <terminal/Terminal.h>
 
 #include <array>
 #include <cerrno>
@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <fcntl.h>
 #include <iterator>
+#include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -105,4 +106,11 @@ std::optional<QByteArray> askHidden(QByteArray const& question)
     auto const answer = terminal.readLine();
     terminal.write("\n");
     return answer;
+}
+
+std::optional<int> terminalWidth()
+{
+    winsize size{};
+    bool const isKnown = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    return isKnown ? std::make_optional<int>(size.ws_col) : std::nullopt;
 }

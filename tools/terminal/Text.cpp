@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "Text.h"
+#include <terminal/Text.h>
 
 #include <QLocale>
 #include <QVector>

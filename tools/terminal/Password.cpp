@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "Password.h"
+#include <terminal/Password.h>
 
-#include "Terminal.h"
+#include <terminal/Terminal.h>
 
 #include <qvbase/Exceptions.h>
 
 #include <QFile>
 
 namespace {
-
-constexpr char const* variable = "VAULT_PASSWORD";
 
 [[noreturn]] void refuse(QString const& message)
 {
@@ -27,29 +25,30 @@ QByteArray firstLineOf(QString const& path)
     return line;
 }
 
-QByteArray answerTo(QByteArray const& question)
+QByteArray answerTo(char const* question, char const* variable)
 {
     auto const answer = askHidden(question);
     if (!answer)
-        refuse(QStringLiteral("there is no terminal to ask for the password: use --password-file or VAULT_PASSWORD"));
+        refuse(QStringLiteral("there is no terminal to ask for the password: use --password-file or %1")
+                   .arg(QLatin1String(variable)));
     return *answer;
 }
 
-QByteArray passwordFromTerminal(bool chosen)
+QByteArray passwordFromTerminal(PasswordSources const& sources, bool chosen)
 {
-    QByteArray const password = answerTo("Password: ");
-    if (chosen && !password.isEmpty() && answerTo("The same again: ") != password)
+    QByteArray const password = answerTo(sources.question, sources.variable);
+    if (chosen && !password.isEmpty() && answerTo("The same again: ", sources.variable) != password)
         refuse(QStringLiteral("those were two different passwords"));
     return password;
 }
 
 } // namespace
 
-QString findPassword(QString const& passwordFile, bool chosen)
+QString findPassword(PasswordSources const& sources, bool chosen)
 {
-    QByteArray const bytes = !passwordFile.isEmpty() ? firstLineOf(passwordFile)
-        : qEnvironmentVariableIsSet(variable)        ? qgetenv(variable)
-                                                     : passwordFromTerminal(chosen);
+    QByteArray const bytes = !sources.file.isEmpty()  ? firstLineOf(sources.file)
+        : qEnvironmentVariableIsSet(sources.variable) ? qgetenv(sources.variable)
+                                                      : passwordFromTerminal(sources, chosen);
     QString const password = QString::fromUtf8(bytes);
     if (password.isEmpty())
         refuse(QStringLiteral("the password is empty: the file would not be encrypted"));
