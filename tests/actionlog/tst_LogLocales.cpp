@@ -55,6 +55,7 @@ class TestLogLocales : public QObject {
 
 private slots:
     void initTestCase();
+    void workedExample();
     void written();
     void read();
     void ofOtherLocales_data();
@@ -72,6 +73,35 @@ void TestLogLocales::initTestCase()
             m_here = each;
     }
     QVERIFY2(!m_here.written.isEmpty(), "LC_ALL names none of the locales in the table");
+}
+
+// As in docs/formats.md.
+void TestLogLocales::workedExample()
+{
+    QByteArray expected = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>"
+                          "<Entries Version=\"v0.1\" LogFile=\"/var/log/gate.qvl\" Date=\"2020-02-29T15:04:00\""
+                          " ApplicationVersion=\"4.2\">"
+                          "<Entry ID=\"ExpR\" Time=\"29 Feb 2020 15:04:56\" User=\"ann (Ann &amp; Bob)\""
+                          " Text=\"'%1%2' to '%1%3'.\" path=\"/mnt/\" src=\"a.mp4\" dest=\"b.mp4\"/>"
+                          "<Entry ID=\"ALog\" Time=\"29 Feb 2020 15:04:56\" filO=\"/var/log/gate.qvl\""
+                          " filN=\"/var/log/yard.qvl\"/>";
+    expected.replace("29 Feb 2020 15:04:56", m_here.written.toUtf8());
+    LogFileHeader header;
+    header.logFile = QStringLiteral("/var/log/gate.qvl");
+    header.date = moment(2020, 0);
+    header.applicationVersion = QStringLiteral("4.2");
+    ExportRenameLogEntry rename;
+    rename.time().setValue(moment(2020, 56));
+    rename.user().setValue(QStringLiteral("ann (Ann & Bob)"));
+    rename.text.setValue(QStringLiteral("'%1%2' to '%1%3'."));
+    rename.path.setValue(QStringLiteral("/mnt/"));
+    rename.source.setValue(QStringLiteral("a.mp4"));
+    rename.dest.setValue(QStringLiteral("b.mp4"));
+    ActionLogContextSwitchEntry other;
+    other.time().setValue(moment(2020, 56));
+    other.oldFile.setValue(QStringLiteral("/var/log/gate.qvl"));
+    other.newFile.setValue(QStringLiteral("/var/log/yard.qvl"));
+    QCOMPARE(xml::toXml(header) + xml::toXml(rename) + xml::toXml(other), expected);
 }
 
 void TestLogLocales::written()
