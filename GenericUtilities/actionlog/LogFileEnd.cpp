@@ -133,12 +133,13 @@ namespace {
         return {LogFileEnd::Torn, m_whole};
     }
 
-    int sizeWithoutBlanks(QByteArray const& bytes)
+    /// Without those at the end.
+    QByteArray withoutBlanks(QByteArray const& bytes)
     {
         int size = bytes.size();
         while (size > 0 && isBlank(bytes.at(size - 1)))
             --size;
-        return size;
+        return bytes.left(size);
     }
 
     /// Whether @p bytes, which begin with "<", are one entry.
@@ -157,13 +158,13 @@ namespace {
     bool readTail(QByteArray const& tail, LogFileEnd& end)
     {
         int const last = tail.lastIndexOf('<');
-        QByteArray const before = tail.left(last);
-        QByteArray const piece = tail.mid(last, sizeWithoutBlanks(tail) - last);
-        int const beforeSize = sizeWithoutBlanks(before);
-        if (last < 0 || !before.left(beforeSize).endsWith("/>"))
+        QByteArray const before = withoutBlanks(tail.left(last));
+        int const lastBefore = before.lastIndexOf('<');
+        if (last < 0 || lastBefore < 0 || !isEntry(before.mid(lastBefore)))
             return false;
+        QByteArray const piece = withoutBlanks(tail.mid(last));
         if (piece == "</Entries>")
-            end = {LogFileEnd::Ended, end.offset - tail.size() + beforeSize};
+            end = {LogFileEnd::Ended, end.offset - tail.size() + before.size()};
         return piece == "</Entries>" || isEntry(piece);
     }
 

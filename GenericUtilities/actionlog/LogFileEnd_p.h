@@ -31,8 +31,8 @@ struct LogFileEnd {
 };
 
 /// Looks at the last bytes of @p device, an open random-access one, which it leaves anywhere. Only where these do not
-/// show a whole entry behind another one, or the end tag behind one, it scans the file. So damage before the last two
-/// entries may go unseen.
+/// show a whole entry, and behind it another one or the end tag, it scans the file. So damage before these may go
+/// unseen.
 GENERICUTILITIES_EXPORT LogFileEnd findLogFileEnd(QIODevice& device);
 
 /// The same from the first byte to the last, also for sequential devices.

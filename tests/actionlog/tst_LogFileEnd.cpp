@@ -167,6 +167,8 @@ void TestLogFileEnd::tailIsNotEnough_data()
     QTest::addColumn<QByteArray>("bytes");
     QTest::newRow("no log file that ends as one") << "x" + A + B;
     QTest::newRow("ended and extended") << header() + A + "</Entries>" + B;
+    QTest::newRow("what looks like the end of a tag")
+        << header() + A + "<Entry ID=\"\"a>/>\n</Entries></Entries></Entries>";
     QTest::newRow("ended twice") << header() + A + "</Entries></Entries>";
     QTest::newRow("cut entry before the last one") << header() + A + "<Entry ID=\"" + B;
 }
