@@ -24,7 +24,34 @@ namespace {
         return ::access(QFile::encodeName(path).constData(), R_OK) != 0 && errno == EACCES;
     }
 
+    /// Of a file that holds something; else the device failed when it was asked.
+    bool isPlausible(LogFileEnd const& end, qint64 size)
+    {
+        bool const isWhole = end.kind == LogFileEnd::Open;
+        bool const isCut = end.kind == LogFileEnd::Ended || end.kind == LogFileEnd::Torn;
+        return end.kind == LogFileEnd::Damaged || (isWhole && end.offset == size)
+            || (isCut && end.offset >= 0 && end.offset < size);
+    }
+
 } // namespace
+
+/// Remembers whether the device failed, which readers take for damage.
+class LogFileReader : public FileEncrypt {
+public:
+    using FileEncrypt::FileEncrypt;
+    bool hasFailed() const { return m_hasFailed; }
+
+protected:
+    qint64 readData(char* data, qint64 maxSize) override
+    {
+        qint64 const count = FileEncrypt::readData(data, maxSize);
+        m_hasFailed = m_hasFailed || count < 0;
+        return count;
+    }
+
+private:
+    bool m_hasFailed = false;
+};
 
 LogFile::LogFile() = default;
 
@@ -49,9 +76,10 @@ std::unique_ptr<FileEncrypt> LogFile::newDevice(QString const& path) const
     return device;
 }
 
-std::unique_ptr<FileEncrypt> LogFile::newReader()
+std::unique_ptr<LogFileReader> LogFile::newReader()
 {
-    auto file = newDevice(m_path);
+    auto file = std::make_unique<LogFileReader>(m_path);
+    file->setFileUserPassword(m_user, m_password);
     if (!file->open(QIODevice::ReadOnly))
         refuse(*file);
     return file;
@@ -108,7 +136,7 @@ void LogFile::look()
     if (size > 0) {
         auto const file = newReader();
         m_end = findLogFileEnd(*file);
-        if (m_end.kind == LogFileEnd::Empty || m_end.kind == LogFileEnd::Unreadable)
+        if (file->hasFailed() || !isPlausible(m_end, size))
             refuse(*file);
         if (m_end.kind == LogFileEnd::Damaged)
             refuseDamaged();
@@ -283,11 +311,9 @@ LogFileContent LogFile::read()
 {
     auto const file = newReader();
     LogFileContent content = readLogFile(*file);
-    // A device that fails looks like damage, too; it may do so once or for good.
-    if (content.isDamaged)
-        content = readLogFile(*file);
-    if (content.isDamaged && !isReadable(*file))
-        refuse(*file);
+    // A disk that fails looks like damage to the reader.
+    if (content.isDamaged && file->hasFailed() && !isDamaged(*file))
+        throw couldNotOpen();
     if (content.header && !content.header->isCurrentVersion())
         refuseHeader();
     return content;
@@ -322,8 +348,11 @@ void LogFile::refuse(FileEncrypt& device)
 {
     if (device.headerError() != FileEncrypt::NoHeaderError)
         refuseHeader();
-    if (isUnusable(device))
+    // A full disk, a lack of file handles and the like are not the file's fault.
+    if (mayNotBeRead(m_path) || isDamaged(device))
         noteBad();
+    else if (&device == m_device.get())
+        m_device.reset(); // what it keeps of the file may be wrong from now on
     throw couldNotOpen();
 }
 
@@ -335,12 +364,12 @@ void LogFile::refuseHeader()
     throw ActionLogFileException(message, m_path, ActionLogFileException::InvalidHeader);
 }
 
-/// Whether the file is at fault, and not something that passes: a full disk, a lack of file handles.
-bool LogFile::isUnusable(FileEncrypt& device) const
+/// Whether an encrypted file was changed by somebody else.
+bool LogFile::isDamaged(FileEncrypt& device) const
 {
+    if (m_password.isEmpty())
+        return false;
     using Found = FileEncrypt::VerifyResult;
-    if (m_password.isEmpty() || mayNotBeRead(m_path))
-        return mayNotBeRead(m_path);
     Found::Class const found = device.verify().result;
     return found == Found::Damaged || found == Found::TornOrTampered;
 }

@@ -36,13 +36,4 @@ LogFileContent readLogFile(QFile& file)
     return content;
 }
 
-bool isReadable(QFile& file)
-{
-    QByteArray block(65536, Qt::Uninitialized);
-    qint64 count = file.seek(0) ? 1 : -1;
-    while (count > 0)
-        count = file.read(block.data(), block.size());
-    return count == 0;
-}
-
 } // namespace qv

@@ -33,7 +33,4 @@ struct LogFileContent {
 /// Reads @p file, open for reading, from its start.
 GENERICUTILITIES_EXPORT LogFileContent readLogFile(QFile& file);
 
-/// Whether every byte of @p file can be read; not where its device fails.
-GENERICUTILITIES_EXPORT bool isReadable(QFile& file);
-
 } // namespace qv

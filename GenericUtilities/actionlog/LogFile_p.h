@@ -19,6 +19,8 @@
 
 namespace qv {
 
+class LogFileReader;
+
 /// The file that a log writes to. It is extended so that it stays well-formed, whoever else appends to it and wherever
 /// a crash cut it off: each writer takes turns with the others, and in his turn looks at how the file ends now.
 ///
@@ -83,7 +85,7 @@ private:
     void look();
     void refuseDamaged();
     void readHeader(FileEncrypt& file);
-    std::unique_ptr<FileEncrypt> newReader();
+    std::unique_ptr<LogFileReader> newReader();
 
     void writeWaiting(QByteArray const& more);
     void makeReady();
@@ -98,7 +100,7 @@ private:
     /// Throws why @p device did not do what was asked for.
     [[noreturn]] void refuse(FileEncrypt& device);
     [[noreturn]] void refuseHeader();
-    bool isUnusable(FileEncrypt& device) const;
+    bool isDamaged(FileEncrypt& device) const;
     void noteBad();
 
     QString m_path;

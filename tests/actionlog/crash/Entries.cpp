@@ -46,9 +46,10 @@ namespace {
             fault = path + QStringLiteral(": ") + content.error;
         for (auto const& entry : content.entries) {
             Name name;
-            if (read(entry->logValue(qv::FourChars("Text"))->toString(), name))
+            qv::LogValue const* const value = entry->logValue(qv::FourChars("Text"));
+            if (value && read(value->toString(), name))
                 names.append(name);
-            else if (!content.isDamaged)
+            else if (value)
                 fault = path + QStringLiteral(": a text is bent");
         }
         return names;
@@ -56,9 +57,13 @@ namespace {
 
 } // namespace
 
+void keepStateIn(QString const& folder)
+{
+    qputenv("XDG_STATE_HOME", QFile::encodeName(folder));
+}
+
 qv::ActionLog& openLog(QString const& path, crash::Mode mode, int splitSize)
 {
-    qputenv("XDG_STATE_HOME", QFile::encodeName(QFileInfo(path).absolutePath() + QStringLiteral("/state")));
     qv::FileEncryptTesting::setScryptCost(4, 1, 1);
     qv::ActionLog& log = *qv::ActionLog::getInstance();
     log.setFileInfo(QFileInfo(path));

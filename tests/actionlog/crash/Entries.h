@@ -14,6 +14,9 @@ class ActionLog;
 /// Entries whose text follows from who logged them and which one they are, and what a reader finds of them.
 namespace entries {
 
+/// Where the log of this process makes its default folder, and not among the user's own files.
+void keepStateIn(QString const& folder);
+
 /// The log of this process, in that file, kept as @p mode says, split by size where @p splitSize is above 0.
 qv::ActionLog& openLog(QString const& path, crash::Mode mode, int splitSize);
 

@@ -27,6 +27,7 @@ int main(int argc, char** argv)
     QStringList const words = QCoreApplication::arguments();
     if (words.size() != 7)
         return 2;
+    entries::keepStateIn(words.at(1) + QStringLiteral(".state"));
     auto const mode = words.at(2) == QLatin1String("plain") ? crash::Mode::Plain : crash::Mode::Encrypted;
     qv::ActionLog& log = entries::openLog(words.at(1), mode, words.at(6).toInt());
     bool hasFailed = false;

@@ -31,8 +31,12 @@ class tst_ActionLogThreads : public QObject {
     Q_OBJECT
 
 private slots:
+    void initTestCase() { entries::keepStateIn(m_state.path()); }
     void logAtOnce();
     void lookOnWhileOthersLog();
+
+private:
+    QTemporaryDir m_state;
 };
 
 void tst_ActionLogThreads::logAtOnce()
