@@ -93,18 +93,18 @@ void tst_FileUtils::dataFolder_data()
     auto const row = [](char const* name, QByteArray const& stateHome, QByteArray const& home, char const* expected) {
         QTest::newRow(name) << stateHome << home << QString::fromUtf8(expected);
     };
-    row("variable set", "/var/state", "/home/ann", "/var/state");
-    row("variable not set", QByteArray(), "/home/ann", "/home/ann/.local/state");
-    row("variable empty", "", "/home/ann", "/home/ann/.local/state");
-    row("variable relative is ignored", "state", "/home/ann", "/home/ann/.local/state");
-    row("variable relative to the current folder is ignored", "./state", "/home/ann", "/home/ann/.local/state");
-    row("tilde is relative, too", "~/state", "/home/ann", "/home/ann/.local/state");
-    row("slash at the end is left out", "/var/state/", "/home/ann", "/var/state");
-    row("repeated slashes become one", "//var///state", "/home/ann", "/var/state");
-    row("dots are resolved", "/var/x/.././state/.", "/home/ann", "/var/state");
-    row("root folder", "/", "/home/ann", "/");
-    row("blank in a name", "/var/my state", "/home/ann", "/var/my state");
-    row("home with a slash at the end", QByteArray(), "/home/ann/", "/home/ann/.local/state");
+    row("variable set", "/var/state", "/people/ann", "/var/state");
+    row("variable not set", QByteArray(), "/people/ann", "/people/ann/.local/state");
+    row("variable empty", "", "/people/ann", "/people/ann/.local/state");
+    row("variable relative is ignored", "state", "/people/ann", "/people/ann/.local/state");
+    row("variable relative to the current folder is ignored", "./state", "/people/ann", "/people/ann/.local/state");
+    row("tilde is relative, too", "~/state", "/people/ann", "/people/ann/.local/state");
+    row("slash at the end is left out", "/var/state/", "/people/ann", "/var/state");
+    row("repeated slashes become one", "//var///state", "/people/ann", "/var/state");
+    row("dots are resolved", "/var/x/.././state/.", "/people/ann", "/var/state");
+    row("root folder", "/", "/people/ann", "/");
+    row("blank in a name", "/var/my state", "/people/ann", "/var/my state");
+    row("home with a slash at the end", QByteArray(), "/people/ann/", "/people/ann/.local/state");
     row("home is the root folder", QByteArray(), "/", "/.local/state");
     row("home does not matter beside the variable", "/var/state", "", "/var/state");
 }
