@@ -37,8 +37,10 @@ Examples:
   recordings --suffix png --sort -size,name --save-search pictures.search
   recordings --search pictures.search --larger-than 1M
 
+What you do is logged: start, searches, exports, quit. qvlog shows the log.
+
 Exit status: 0 on success, 1 if database and memory ever disagree, 2 if the
-command line, the folder, the database or a search file is of no use.)";
+command line or a file that it names is of no use, 130 if interrupted.)";
 
 QCommandLineOption valued(char const* name, char const* valueName, char const* text)
 {
@@ -62,6 +64,10 @@ void addOptions(QCommandLineParser& parser)
         valued("sort", "TERMS", "Sort your search: -size,name is by size, the largest first, then by name."),
         valued("search", "FILE", "Condition: the one that --save-search has stored here."),
         valued("save-search", "FILE", "Store your search, its order included; only another search is overwritten."),
+        valued("export", "FILE", "Write the paths that your search finds, or all, to this new file."),
+        valued("log", "FILE",
+            "The action log to tell what you do (default: recordings/ActionLog.qvl in the state "
+            "folder of the user)."),
         {QStringLiteral("any"), QStringLiteral("Join the conditions by OR instead of AND.")},
         {QStringLiteral("not"), QStringLiteral("Negate the joined conditions.")},
     });
@@ -198,6 +204,8 @@ Options readOptions(QStringList const& arguments)
     options.sortTerms = reader.texts("sort");
     options.searchFile = reader.path("search", QString());
     options.saveFile = reader.path("save-search", QString());
+    options.exportFile = reader.path("export", QString());
+    options.log = reader.path("log", QString());
     options.any = reader.has("any");
     options.negated = reader.has("not");
     return options;

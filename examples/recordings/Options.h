@@ -22,8 +22,10 @@ struct Options {
     std::optional<QDateTime> modifiedAfter; ///< In UTC, from 1970 to 2106.
     std::optional<QDateTime> modifiedBefore;
     QStringList sortTerms; ///< Lists of names, as given.
-    QString searchFile; ///< Absolute and clean, as the next; empty for none.
+    QString searchFile; ///< Absolute and clean, as the next three; empty for none.
     QString saveFile;
+    QString exportFile;
+    QString log; ///< Empty for the log of this user and program.
     bool any = false; ///< Conditions are joined by OR instead of AND.
     bool negated = false;
 };

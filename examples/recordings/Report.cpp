@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "Report.h"
 
-
 #include <GenericUtilities/properties/CommonProperties.h>
 #include <terminal/Text.h>
 
@@ -122,6 +121,11 @@ void Report::stored(QString const& databaseFile, double seconds)
 void Report::saved(QString const& searchFile)
 {
     field("saved", QStringLiteral("your search, in ") + printable(searchFile));
+}
+
+void Report::exported(QString const& file, int rows)
+{
+    m_out << "Exported " << counted(rows, QStringLiteral("path")) << " to " << printable(file) << "\n\n";
 }
 
 void Report::properties(PropertySet const& recording)

@@ -17,6 +17,7 @@ public:
     void catalogue(Catalogue const& catalogue, double seconds);
     void stored(QString const& databaseFile, double seconds);
     void saved(QString const& searchFile);
+    void exported(QString const& file, int rows);
     /// The properties of a recording: name, class, column type, value, description.
     void properties(qvgen::PropertySet const& recording);
     void search(Search const& search, Answer const& answer, QVector<qvgen::PropertySet> const& recordings);

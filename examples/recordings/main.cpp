@@ -2,15 +2,19 @@
 // Catalogues the files beneath a folder as property sets, in memory and in SQLite, and answers searches in both ways.
 // Recording.cpp describes a file by properties; Searches.cpp builds conditions over them; RecordingDatabase.cpp has
 // them printed as SQL and binds their values; Answer.cpp evaluates them in memory and compares. SqliteFunctions.cpp
-// fits functions to the database; SearchFile.cpp stores a search, SearchCheck.cpp judges one from outside. Run it with
-// --help.
+// fits functions to the database; SearchFile.cpp stores a search, SearchCheck.cpp judges one from outside. Trail.cpp
+// logs what the user does, with the kinds of entries that TrailEntries.cpp defines; Export.cpp logs exports. Run it
+// with --help.
 
 #include "Answer.h"
+#include "Export.h"
+#include "Interruption.h"
 #include "Options.h"
 #include "Recording.h"
 #include "Report.h"
 #include "SearchFile.h"
 #include "SqliteFunctions.h"
+#include "Trail.h"
 
 #include <qvbase/Exceptions.h>
 #include <terminal/Terminal.h>
@@ -21,6 +25,7 @@
 #include <QTextCodec>
 #include <QTextStream>
 
+#include <numeric>
 #include <unistd.h>
 
 namespace {
@@ -54,6 +59,8 @@ public:
     Progress progress() const
     {
         return [this](int done) {
+            if (isInterrupted())
+                throw Interruption();
             if (m_terminal && done % 1000 == 0)
                 errorStream() << '\r' << m_verb << ' ' << grouped(static_cast<qulonglong>(done)) << " files"
                               << Qt::flush;
@@ -82,6 +89,13 @@ void save(std::optional<Search> const& search, QString const& file)
     writeSearchFile(file, *search);
 }
 
+QVector<int> allRows(int count)
+{
+    QVector<int> rows(count);
+    std::iota(rows.begin(), rows.end(), 0);
+    return rows;
+}
+
 int run(Options const& options)
 {
     // All files are opened before the long walk, so that a wrong name is told at once.
@@ -107,18 +121,37 @@ int run(Options const& options)
     QVector<Search> searches = readyMadeSearches(prototype, QDateTime::currentDateTimeUtc().date());
     if (requested)
         searches += *requested;
+    QVector<int> rows = allRows(catalogue.recordings().size());
     for (Search const& search : qAsConst(searches)) {
         Answer const found = answer(search, database, catalogue.recordings());
+        Trail::searched(search, found);
+        if (&search == &searches.constLast() && requested)
+            rows = found.inMemory;
         report.search(search, found, catalogue.recordings());
         out.flush();
         if (!found.agrees())
             printError(Report::disagreement(search, found, catalogue.recordings()));
     }
+    if (!options.exportFile.isEmpty()
+        && exportRows(options.exportFile, rows, catalogue.recordings(), catalogue.folder(), isInterrupted))
+        report.exported(options.exportFile, rows.size());
     report.verdict();
     out.flush();
     if (out.status() != QTextStream::Ok)
         throw qv::ExceptionQt(QStringLiteral("standard output cannot be written"));
-    return report.disagreements() == 0 ? 0 : 1;
+    return isInterrupted() ? Interruption::ExitCode : report.disagreements() == 0 ? 0 : 1;
+}
+
+int runLogged(Options const& options)
+{
+    catchInterruptions();
+    Trail trail(options, printError);
+    try {
+        trail.setExitCode(run(options));
+    } catch (Interruption const&) {
+        trail.setExitCode(Interruption::ExitCode);
+    }
+    return trail.exitCode();
 }
 
 } // namespace
@@ -131,7 +164,7 @@ int main(int argc, char* argv[])
     QCoreApplication::setApplicationName(QStringLiteral("recordings"));
     QCoreApplication::setApplicationVersion(QStringLiteral(RECORDINGS_VERSION));
     try {
-        return run(readOptions(QCoreApplication::arguments()));
+        return runLogged(readOptions(QCoreApplication::arguments()));
     } catch (qv::ExceptionQt const& exception) {
         printError(exception.message());
         return 2;

@@ -72,6 +72,7 @@ public:
     QString root() const { return m_dir.path(); }
     QString path(QString const& name) const { return m_dir.filePath("tree/" + name); }
     QString database() const { return m_dir.filePath("recordings.sqlite"); }
+    QString log() const { return m_dir.filePath("log.qvl"); }
 
     void write(QString const& name, int size, QString const& modified)
     {
@@ -84,11 +85,12 @@ public:
         QVERIFY(file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther));
     }
 
-    /// Options in @p arguments come last, and so win over the tree and the database.
+    QStringList options() const { return {"--folder", path("."), "--database", database(), "--log", log()}; }
+    /// Options in @p arguments come last, and so win over these.
     RecordingsResult run(QStringList const& arguments) const
     {
         PlainProcess process;
-        process.start(RECORDINGS_PROGRAM, QStringList{"--folder", path("."), "--database", database()} + arguments);
+        process.start(RECORDINGS_PROGRAM, options() + arguments);
         if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit)
             return {};
         return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),

@@ -56,6 +56,9 @@ int fitting(QVector<uint> const& codePoints, int width)
 
 QString printable(QString const& text)
 {
+    // As most texts are.
+    if (std::all_of(text.begin(), text.end(), [](QChar unit) { return unit >= ' ' && unit <= '~'; }))
+        return text;
     QString result;
     for (uint const codePoint : text.toUcs4())
         result += isPrintable(codePoint) ? QString::fromUcs4(&codePoint, 1) : escaped(codePoint);
