@@ -107,15 +107,6 @@ ExitCode convert(Options const& options, Access& access)
         refuseTarget(options.targetFile, QStringLiteral("it exists")); // Before a password is asked for.
     QString const newPassword
         = options.target == Target::Encrypted ? Access::newPassword(options.newPasswordFile) : QString();
-    QString const& path = options.sources.constFirst();
-    try {
-        makeLogFile(options, access, newPassword);
-        return Fine;
-    } catch (DamageException const& exception) {
-        throw DamageException(QStringLiteral("'%1' is damaged: %2").arg(path, exception.message()));
-    } catch (OutputException const&) {
-        throw;
-    } catch (RefusalException const& exception) {
-        throw RefusalException(QStringLiteral("'%1': %2").arg(path, exception.message()));
-    }
+    workOn(options.sources.constFirst(), [&] { makeLogFile(options, access, newPassword); });
+    return Fine;
 }

@@ -9,7 +9,7 @@
 namespace {
 
 /// Has the entry's own times read as those of the log: its reader knows the locale of the environment only.
-void setTimes(qv::LogEntry& entry, QXmlStreamAttributes const& attributes, LogTimes const& times)
+void setTimes(qv::LogEntry& entry, QXmlStreamAttributes const& attributes, LogTimes& times)
 {
     for (qv::LogValue* const value : entry.values()) {
         if (auto* const time = dynamic_cast<qv::TLogValue<QDateTime>*>(value))
@@ -27,7 +27,7 @@ QString listed(QVector<QPair<QString, QString>> const& values)
     QStringList texts;
     for (auto const& value : values)
         texts += value.first + QStringLiteral(": ") + value.second;
-    return texts.join(QLatin1Char(' '));
+    return texts.join(QStringLiteral("; "));
 }
 
 void describe(LoggedEntry& logged, qv::LogEntry* entry)

@@ -35,5 +35,19 @@ public:
     using RefusalException::RefusalException;
 };
 
+/// Does @p work on a file. What it throws because of the file names it then.
+template <typename Work> void workOn(QString const& file, Work const& work)
+{
+    try {
+        work();
+    } catch (DamageException const& exception) {
+        throw DamageException(QStringLiteral("'%1' is damaged: %2").arg(file, exception.message()));
+    } catch (OutputException const&) {
+        throw;
+    } catch (RefusalException const& exception) {
+        throw RefusalException(QStringLiteral("'%1': %2").arg(file, exception.message()));
+    }
+}
+
 /// A line on standard error.
 void printError(QString const& message);

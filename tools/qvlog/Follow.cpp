@@ -33,17 +33,20 @@ ExitCode follow(Options const& options, Access& access)
     Output output;
     Selection const selection = chosenSelection(options);
     auto const report = makeReport(options.format, output);
-    Follower follower(options, access, [&](LoggedEntry const& entry) {
-        if (selection.takes(entry))
-            report->write(entry);
+    std::optional<Follower> follower;
+    workOn(options.sources.constFirst(), [&] {
+        follower.emplace(options, access, [&](LoggedEntry const& entry) {
+            if (selection.takes(entry))
+                report->write(entry);
+        });
+        if (!options.all)
+            follower->skip();
     });
-    if (!options.all)
-        follower.skip();
     catchInterruptions();
     report->begin();
     printError(QStringLiteral("following '%1'").arg(options.sources.constFirst()));
     while (!isInterrupted) {
-        follower.advance();
+        follower->advance();
         output.flush();
         poll(nullptr, 0, PauseMilliSeconds);
     }

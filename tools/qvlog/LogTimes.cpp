@@ -23,7 +23,16 @@ LogTimes::LogTimes(QLocale const& locale, QDateTime const& logDate)
 {
 }
 
-QDateTime LogTimes::read(QString const& text) const
+QDateTime LogTimes::read(QString const& text)
+{
+    if (text != m_text) {
+        m_time = parsed(text);
+        m_text = text;
+    }
+    return m_time;
+}
+
+QDateTime LogTimes::parsed(QString const& text) const
 {
     QDateTime const time = m_locale.toDateTime(text, QLocale::ShortFormat);
     if (!time.isValid() || m_century == 0)

@@ -13,12 +13,16 @@ public:
     LogTimes(QLocale const& locale, QDateTime const& logDate);
 
     /// Null where the text is no time of that locale.
-    QDateTime read(QString const& text) const;
+    QDateTime read(QString const& text);
     /// Whether the locale writes seconds; else a time means a whole minute.
     bool hasSeconds() const { return m_hasSeconds; }
 
 private:
+    QDateTime parsed(QString const& text) const;
+
     QLocale m_locale;
     bool m_hasSeconds;
     int m_century; ///< The years to add to a two-digit year; 0 where years are whole.
+    QString m_text; ///< The last one that was read, as the next: entries of a second or a minute share it.
+    QDateTime m_time;
 };

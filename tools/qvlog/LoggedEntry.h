@@ -24,9 +24,10 @@ struct LoggedEntry {
     /// the file where it cannot be read.
     QString timeText(QChar separator) const
     {
-        QString const format
-            = hasSeconds ? QStringLiteral("yyyy-MM-dd'%1'hh:mm:ss") : QStringLiteral("yyyy-MM-dd'%1'hh:mm");
-        return time.isValid() ? time.toString(format.arg(separator)) : loggedTime;
+        if (!time.isValid())
+            return loggedTime;
+        QString const clock = time.time().toString(Qt::ISODate);
+        return time.date().toString(Qt::ISODate) + separator + (hasSeconds ? clock : clock.left(5));
     }
     /// The last moment that the time may mean.
     QDateTime lastMoment() const { return time.addMSecs((hasSeconds ? 1 : 60) * 1000 - 1); }

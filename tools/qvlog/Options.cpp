@@ -120,6 +120,7 @@ public:
 
 private:
     bool has(char const* name) const { return m_names.contains(QLatin1String(name)); }
+    bool hasCondition() const;
     QString text(char const* name) const { return m_parser.value(QLatin1String(name)); }
     QStringList texts(char const* name) const;
     QString path(char const* name) const;
@@ -131,20 +132,27 @@ private:
 
     CommandRow const& m_row;
     QCommandLineParser m_parser;
+    QCommandLineOption m_help;
     QStringList m_names; ///< Of the options that were given.
 };
 
 Reader::Reader(CommandRow const& row)
     : m_row(row)
+    , m_help(m_parser.addHelpOption())
 {
     m_parser.setApplicationDescription(QLatin1String("\n") + QLatin1String(row.description));
-    m_parser.addHelpOption();
     for (OptionRow const& option : optionRows) {
         if (option.commands & only(row.command))
             m_parser.addOption({QLatin1String(option.name), QLatin1String(option.text), QLatin1String(option.value)});
     }
     m_parser.addPositionalArgument(QLatin1String(row.name), QString(), QLatin1String(row.name));
     m_parser.addPositionalArgument(QLatin1String("FILE"), QString(), QLatin1String(row.positional));
+}
+
+bool Reader::hasCondition() const
+{
+    constexpr char const* conditions[] = {"since", "until", "user", "category", "id", "contains"};
+    return std::any_of(std::begin(conditions), std::end(conditions), [&](char const* name) { return has(name); });
 }
 
 QStringList Reader::texts(char const* name) const
@@ -222,7 +230,7 @@ Options Reader::options(QStringList const& arguments)
     if (!m_parser.parse(arguments))
         refuse(m_parser.errorText());
     m_names = m_parser.optionNames();
-    if (has("help"))
+    if (m_parser.isSet(m_help))
         m_parser.showHelp();
     Options options;
     options.command = m_row.command;
@@ -236,6 +244,9 @@ Options Reader::options(QStringList const& arguments)
         options.format = named("format", formats, "text, csv, json or xml");
     if (m_row.command == Command::Convert)
         options.target = named("to", targets, "csv, jsonl, xml, plain or encrypted");
+    bool const isCopy = options.target == Target::Plain || options.target == Target::Encrypted;
+    if (isCopy && hasCondition())
+        refuse(QStringLiteral("a log is copied as a whole: conditions are for reports"));
     return options;
 }
 

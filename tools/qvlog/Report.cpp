@@ -95,7 +95,8 @@ private:
     Output& m_output;
 };
 
-/// A document of its own, not a log file: with translated texts and times in ISO 8601.
+/// A document of its own, not a log file: with translated texts and times in ISO 8601. All texts are attributes, in
+/// which Qt escapes whatever parsers would take for the end of a line.
 class XmlReport : public Report {
 public:
     explicit XmlReport(Output& output)
@@ -120,14 +121,14 @@ public:
         attribute("time", entry.timeText(QLatin1Char('T')));
         attribute("user", entry.user);
         attribute("category", entry.category);
+        attribute("categoryName", entry.categoryName);
+        attribute("action", entry.action);
+        attribute("description", entry.description);
         attribute("file", entry.file);
-        element("categoryName", entry.categoryName);
-        element("action", entry.action);
-        element("description", entry.description);
         for (auto const& value : entry.values) {
             m_writer.writeStartElement(QStringLiteral("value"));
             attribute("name", value.first);
-            m_writer.writeCharacters(qv::xml::writtenText(value.second));
+            attribute("text", value.second);
             m_writer.writeEndElement();
         }
         m_writer.writeEndElement();
@@ -143,10 +144,6 @@ private:
     void attribute(char const* name, QString const& text)
     {
         m_writer.writeAttribute(QLatin1String(name), qv::xml::writtenText(text));
-    }
-    void element(char const* name, QString const& text)
-    {
-        m_writer.writeTextElement(QLatin1String(name), qv::xml::writtenText(text));
     }
     void pass()
     {

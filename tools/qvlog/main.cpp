@@ -37,6 +37,9 @@ int fail(qv::ExceptionQt const& exception, ExitCode code)
 
 int main(int argc, char* argv[])
 {
+    // Else the C library looks at the file of the time zone for every time that is read.
+    if (!qEnvironmentVariableIsSet("TZ"))
+        qputenv("TZ", ":/etc/localtime");
     // File names are UTF-8 nearly everywhere, the locale C of a bare machine notwithstanding.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     QCoreApplication const application(argc, argv);
