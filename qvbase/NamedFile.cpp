@@ -39,12 +39,16 @@ namespace {
 
 } // namespace
 
+qint64 readSomeAt(int fd, void* to, qint64 size, qint64 offset)
+{
+    return retry([&] { return ::pread(fd, to, size_t(size), off_t(offset)); });
+}
+
 qint64 readAt(int fd, void* to, qint64 size, qint64 offset)
 {
     qint64 done = 0;
     while (done < size) {
-        ssize_t const count = retry(
-            [&] { return ::pread(fd, static_cast<char*>(to) + done, size_t(size - done), off_t(offset + done)); });
+        qint64 const count = readSomeAt(fd, static_cast<char*>(to) + done, size - done, offset + done);
         if (count < 0)
             return -1;
         if (count == 0)

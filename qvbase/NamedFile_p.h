@@ -12,6 +12,8 @@ namespace qv::posix {
 /// Fewer bytes than @p size only where the file ends; -1 where it cannot be read.
 qint64 readAt(int fd, void* to, qint64 size, qint64 offset);
 QByteArray readAt(int fd, qint64 size, qint64 offset, bool* ok = nullptr);
+/// One call: fewer bytes also where the system gives less than all.
+qint64 readSomeAt(int fd, void* to, qint64 size, qint64 offset);
 /// One call, but where the system takes less than all.
 bool writeAt(int fd, void const* from, qint64 size, qint64 offset);
 /// As writeAt(), at the place where the descriptor stands, which with O_APPEND is the file's end.

@@ -18,7 +18,7 @@ namespace {
     QByteArray readAt(int fd, qint64 size, qint64 offset)
     {
         bool ok = false;
-        QByteArray const bytes = posix::readAt(fd, size, offset, &ok);
+        QByteArray bytes = posix::readAt(fd, size, offset, &ok);
         require(ok);
         return bytes;
     }
@@ -62,7 +62,11 @@ bool RecordReader::endsAt(Tail const& tail) const
 {
     std::array<uchar, RecordHeader::TagAndLength + 1> bytes;
     qint64 const offset = tail.end - RecordHeader::TagAndLength;
-    qint64 const count = posix::readAt(m_fd, bytes.data(), qint64(bytes.size()), offset);
+    // Before every append one call is enough: the system stops early between two pages only.
+    constexpr qint64 pageSize = 4096;
+    bool const mayStopEarly = tail.end % pageSize == 0;
+    qint64 const count = mayStopEarly ? posix::readAt(m_fd, bytes.data(), qint64(bytes.size()), offset)
+                                      : posix::readSomeAt(m_fd, bytes.data(), qint64(bytes.size()), offset);
     require(count >= 0);
     return count == RecordHeader::TagAndLength && std::equal(tail.tag.begin(), tail.tag.end(), bytes.begin());
 }
