@@ -52,7 +52,7 @@ namespace {
     QByteArray readStart(int fd)
     {
         bool ok = false;
-        QByteArray const bytes = posix::readAt(fd, maxHeaderSize, 0, &ok);
+        QByteArray bytes = posix::readAt(fd, maxHeaderSize, 0, &ok);
         require(ok);
         return bytes;
     }
@@ -122,9 +122,9 @@ void EncryptedFile::makeHeader()
     // On the disk before any record, so that no loss of power leaves records without it.
     if (!posix::writeAt(m_file.fd(), header.bytes().constData(), FileHeader::Length, 0) || !posix::syncData(m_file.fd())
         || !posix::syncFolderOf(m_file.path())) {
-        Failure const failure = {qt_error_string(errno)};
+        int const error = errno;
         posix::truncate(m_file.fd(), 0);
-        throw failure;
+        throw Failure{qt_error_string(error)};
     }
     KeyCache::instance().remember(*m_credentials, header, salted.kek);
     adopt(header, keys);

@@ -84,9 +84,9 @@ void PlainAppend::append(char const* text, qint64 size)
     qint64 const before = end();
     if (posix::write(m_file.fd(), text, size))
         return;
-    Failure const failure = {qt_error_string(errno)};
+    int const error = errno;
     posix::truncate(m_file.fd(), before);
-    throw failure;
+    throw Failure{qt_error_string(error)};
 }
 
 } // namespace qv::encrypted

@@ -8,8 +8,8 @@ using qv::FileEncrypt;
 namespace {
 
 // What is written at once stays together, however many write.
-constexpr qint64 MaxLineBytes = 1024 * 1024;
-constexpr qint64 PieceBytes = 64 * 1024;
+constexpr qint64 MaxLineBytes = 1048576;
+constexpr qint64 PieceBytes = 65536;
 
 QString cannot(char const* what, QString const& name, QString const& reason)
 {

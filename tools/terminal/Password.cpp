@@ -36,7 +36,7 @@ QByteArray answerTo(char const* question, char const* variable)
 
 QByteArray passwordFromTerminal(PasswordSources const& sources, bool chosen)
 {
-    QByteArray const password = answerTo(sources.question, sources.variable);
+    QByteArray password = answerTo(sources.question, sources.variable);
     if (chosen && !password.isEmpty() && answerTo("The same again: ", sources.variable) != password)
         refuse(QStringLiteral("those were two different passwords"));
     return password;
@@ -49,7 +49,7 @@ QString findPassword(PasswordSources const& sources, bool chosen)
     QByteArray const bytes = !sources.file.isEmpty()  ? firstLineOf(sources.file)
         : qEnvironmentVariableIsSet(sources.variable) ? qgetenv(sources.variable)
                                                       : passwordFromTerminal(sources, chosen);
-    QString const password = QString::fromUtf8(bytes);
+    QString password = QString::fromUtf8(bytes);
     if (password.isEmpty())
         refuse(QStringLiteral("the password is empty: the file would not be encrypted"));
     // Different bytes must not become the same password.

@@ -103,7 +103,7 @@ std::optional<QByteArray> askHidden(QByteArray const& question)
     SilentTerminal const terminal;
     if (!terminal.isSilent() || !terminal.write(question))
         return {};
-    auto const answer = terminal.readLine();
+    auto answer = terminal.readLine();
     terminal.write("\n");
     return answer;
 }
