@@ -32,23 +32,31 @@ Pair pairOf(QByteArray const& key, QByteArray const& nonce)
 class SharedPairs {
 public:
     explicit SharedPairs(size_t capacity)
-        : m_size(sizeof(Counter) + capacity * sizeof(Pair))
+        : m_size(sizeof(Counter) + capacity * sizeof(Slot))
         , m_memory(::mmap(nullptr, m_size, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0))
         , m_count(new (m_memory) Counter(0))
-        , m_pairs(reinterpret_cast<Pair*>(static_cast<char*>(m_memory) + sizeof(Counter)))
+        , m_slots(reinterpret_cast<Slot*>(static_cast<char*>(m_memory) + sizeof(Counter)))
     {
     }
     ~SharedPairs() { ::munmap(m_memory, m_size); }
     SharedPairs(SharedPairs const&) = delete;
     SharedPairs& operator=(SharedPairs const&) = delete;
 
-    void add(Pair const& pair) { m_pairs[m_count->fetch_add(1)] = pair; }
+    void add(Pair const& pair)
+    {
+        Slot& slot = m_slots[m_count->fetch_add(1)];
+        slot.pair = pair;
+        slot.isWhole.store(true, std::memory_order_release);
+    }
     size_t count() const { return *m_count; }
-    /// Sorted. But for those that a process was killed over.
+    /// Sorted; without those that a process was killed over while it noted them.
     std::vector<Pair> pairs() const
     {
-        std::vector<Pair> result(m_pairs, m_pairs + count());
-        result.erase(std::remove(result.begin(), result.end(), Pair()), result.end());
+        std::vector<Pair> result;
+        std::for_each(m_slots, m_slots + count(), [&](Slot const& slot) {
+            if (slot.isWhole.load(std::memory_order_acquire))
+                result.push_back(slot.pair);
+        });
         std::sort(result.begin(), result.end());
         return result;
     }
@@ -67,11 +75,15 @@ public:
 
 private:
     using Counter = std::atomic<size_t>;
+    struct Slot {
+        Pair pair;
+        std::atomic<bool> isWhole;
+    };
 
     size_t m_size;
     void* m_memory;
     Counter* m_count;
-    Pair* m_pairs;
+    Slot* m_slots;
 };
 
 } // namespace
@@ -160,6 +172,8 @@ void tst_FileEncryptNonces::aMillionPairs()
     for (; m_pairs->count() < wanted; ++round) {
         auto const file = encrypted::device(name());
         QVERIFY2(file->open(QIODevice::Append), qPrintable(file->errorString()));
+        // A session has begun, which a fork copies.
+        writeSome(*file, 1);
         int const count = 500 + int(random.bounded(1000u));
         switch (random.bounded(6)) {
         case 0:

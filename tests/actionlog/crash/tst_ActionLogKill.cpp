@@ -46,7 +46,7 @@ void Victim::logAndKill(int within)
     crash::Child child({QStringLiteral(LOGGER), path(),
         m_mode == Mode::Plain ? QStringLiteral("plain") : QStringLiteral("encrypted"), QStringLiteral("1"),
         QString::number(m_next), QString::number(std::numeric_limits<int>::max()), QString::number(splitSize)});
-    child.awaitSignOfLife();
+    child.awaitOutput(1);
     usleep(static_cast<useconds_t>(m_random.bounded(within)));
     usleep(static_cast<useconds_t>(m_random.bounded(within)));
     child.kill();

@@ -62,9 +62,9 @@ bool Child::readSome()
     return size > 0;
 }
 
-void Child::awaitSignOfLife()
+void Child::awaitOutput(int bytes)
 {
-    readSome();
+    while (m_output.size() < bytes && readSome()) { }
 }
 
 void Child::kill()

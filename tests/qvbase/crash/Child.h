@@ -16,8 +16,8 @@ public:
     Child(Child const&) = delete;
     Child& operator=(Child const&) = delete;
 
-    /// Waits for its first output or its end.
-    void awaitSignOfLife();
+    /// Waits for so many bytes of output or its end.
+    void awaitOutput(int bytes);
     void kill();
     /// Waits for its end. What it wrote since it was started.
     QByteArray output();
