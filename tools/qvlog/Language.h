@@ -2,9 +2,7 @@
 #pragma once
 
 #include <QString>
-#include <QStringList>
 
 /// Has the texts of entries translated from now on: into @p language ("de", "fr", "en"), or, where that is empty, into
-/// the language of the environment as far as there is a catalogue. Throws UsageException where the catalogue asked for
-/// is not part of this build.
+/// the language of the environment as far as there is a catalogue.
 void chooseLanguage(QString const& language);
