@@ -18,7 +18,8 @@ void catchInterruptions()
 {
     struct sigaction action = {};
     action.sa_handler = noteInterruption;
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    // The C library takes a write that a signal cuts short for a failure.
+    action.sa_flags = static_cast<int>(SA_RESETHAND | SA_RESTART);
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
 }
