@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr qint64 PieceBytes = 64 * 1024;
+constexpr int PieceBytes = 64 * 1024;
 
 [[noreturn]] void refuseTarget(QString const& path, QString const& reason)
 {
@@ -77,7 +77,7 @@ private:
 
 void copy(LogFile& source, NewLogFile& target)
 {
-    QByteArray piece(static_cast<int>(PieceBytes), '\0');
+    QByteArray piece(PieceBytes, '\0');
     qint64 length = 0;
     while ((length = source.device().read(piece.data(), PieceBytes)) > 0)
         target.write(QByteArray(piece.constData(), static_cast<int>(length)));
@@ -87,11 +87,16 @@ void copy(LogFile& source, NewLogFile& target)
         throw RefusalException(QStringLiteral("it cannot be read: %1").arg(source.device().errorString()));
 }
 
+void requireLog(QString const& path, Access& access)
+{
+    EntryReader const reader(path, access, nullptr);
+}
+
 /// The same bytes, so that nothing is lost: not even what this program does not know.
 void makeLogFile(Options const& options, Access& access, QString const& newPassword)
 {
-    EntryReader(options.sources.constFirst(), access, nullptr); // Is it a log?
     LogFile source(options.sources.constFirst(), access);
+    requireLog(source.path(), access);
     NewLogFile target(options.targetFile, options.fileUser, newPassword);
     copy(source, target);
     target.keep();
