@@ -117,7 +117,7 @@ void checkSeeking(Scene const& scene, QByteArray const& text)
 void checkDamageStays(Scene const& scene, EncryptedImage const& image, Reading const& before)
 {
     Reading const after = read(scene);
-    require(after.found.result == VerifyResult::Damaged, "damage stays damage");
+    require(after.found.result == VerifyResult::RecordDamaged, "damage stays damage");
     require(after.found.offset == before.found.offset, "damage stays where it was");
     // Records that lie about their place, as only the owner of the password could make them, lie about the size, too.
     if (image.arePlacesRight)
@@ -130,12 +130,13 @@ void checkAppending(Scene const& scene, EncryptedImage const& image, Reading con
     bool const isWritten = device.open(QIODevice::WriteOnly | QIODevice::Append) && device.write("more") == 4;
     device.close();
     if (!isWritten) {
-        require(!before.isOpen || before.found.result == VerifyResult::Damaged, "what is not damaged can be extended");
+        require(!before.isOpen || before.found.result == VerifyResult::RecordDamaged,
+            "what is not damaged can be extended");
         require(scene.bytes() == image.bytes, "a refused file is left as it is");
         return;
     }
     require(before.isOpen, "who may write may read");
-    if (before.found.result == VerifyResult::Damaged)
+    if (before.found.result == VerifyResult::RecordDamaged)
         return checkDamageStays(scene, image, before);
     Reading const after = read(scene);
     require(after.found.result == VerifyResult::Intact, "an extended file is intact");

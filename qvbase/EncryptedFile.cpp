@@ -210,7 +210,7 @@ void EncryptedFile::settleTail()
     m_plain.forget();
     m_isSettled = false;
     m_tail = findTail(*m_reader, m_header);
-    if (m_tail.rest == FileEncrypt::VerifyResult::Damaged)
+    if (m_tail.rest == FileEncrypt::VerifyResult::RecordDamaged)
         throw Failure{QStringLiteral("The end of the file is damaged")};
     if (!m_tail.isClean())
         setTornBytesAside(m_file.fd(), m_file.path(), m_tail.tail.end);

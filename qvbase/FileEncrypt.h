@@ -42,7 +42,7 @@ public:
             Intact,
             Torn, ///< the last write is incomplete, as a crash leaves it
             TornOrTampered, ///< the last write is wrong in itself: a crash or a change, nothing tells which
-            Damaged, ///< a record that others follow is wrong, or the file does not continue the anchor
+            RecordDamaged, ///< a record that others follow is wrong, or the file does not continue the anchor
             HeaderRefused, ///< see headerError(); for a device without a password always
             NotReadable ///< the system's error is in the text
         };

@@ -51,7 +51,7 @@ namespace {
 
 qint64 FileTail::readableSize() const
 {
-    bool const isSuspect = rest == Verified::TornOrTampered || rest == Verified::Damaged;
+    bool const isSuspect = rest == Verified::TornOrTampered || rest == Verified::RecordDamaged;
     return tail.plainSize + (isSuspect ? std::max(restSize() - qint64(RecordHeader::Overhead), qint64(1)) : 0);
 }
 
@@ -59,7 +59,7 @@ FileTail::Class classOfRest(RecordReader const& reader, Tail const& due)
 {
     qint64 const restSize = reader.fileSize() - due.end;
     if (hasMisplacedRecord(reader, due))
-        return Verified::Damaged;
+        return Verified::RecordDamaged;
     if (isCutShort(reader, due, restSize) || reader.endsInZeros(std::min(restSize, qint64(RecordHeader::TagAndLength))))
         return Verified::Torn;
     return Verified::TornOrTampered;
@@ -74,7 +74,7 @@ FileTail findTail(RecordReader& reader, FileHeader const& header)
         if (auto const good = reader.goodAt(record->offset))
             return withRest(reader, good->tail(), size);
         if (!areOfOneWrite(*record, bad))
-            return {Tail::before(record->header, record->offset), size, Verified::Damaged};
+            return {Tail::before(record->header, record->offset), size, Verified::RecordDamaged};
         bad = record;
         end = record->offset;
     }

@@ -22,7 +22,7 @@ namespace {
             return QStringLiteral("The last write is incomplete");
         case Verified::TornOrTampered:
             return QStringLiteral("The last write is torn or was tampered with");
-        case Verified::Damaged:
+        case Verified::RecordDamaged:
             return QStringLiteral("A record is damaged, or is not the one that belongs here");
         case Verified::HeaderRefused:
         case Verified::NotReadable:
@@ -57,8 +57,8 @@ namespace {
 
     Verified notAnchored(Tail const& tail)
     {
-        return {
-            Verified::Damaged, tail.end, qint64(tail.index), QStringLiteral("The file does not continue the anchor")};
+        return {Verified::RecordDamaged, tail.end, qint64(tail.index),
+            QStringLiteral("The file does not continue the anchor")};
     }
 
     Verified walk(RecordReader& reader, Tail tail, Anchor const& anchor)
@@ -66,7 +66,7 @@ namespace {
         for (qint64 size = 0; tail.end < size || tail.end < (size = reader.fileSize());) {
             auto const record = reader.goodAt(tail.end);
             if (!record || !tail.isContinuedBy(record->header)) {
-                Verified::Class const result = record ? Verified::Damaged : classOfRest(reader, tail);
+                Verified::Class const result = record ? Verified::RecordDamaged : classOfRest(reader, tail);
                 return {result, tail.end, qint64(tail.index), textOf(result)};
             }
             tail = record->tail();

@@ -371,7 +371,7 @@ bool LogFile::isDamaged(FileEncrypt& device) const
         return false;
     using Found = FileEncrypt::VerifyResult;
     Found::Class const found = device.verify().result;
-    return found == Found::Damaged || found == Found::TornOrTampered;
+    return found == Found::RecordDamaged || found == Found::TornOrTampered;
 }
 
 void LogFile::noteBad()

@@ -103,7 +103,7 @@ QString Vault::verify()
         throw qv::ExceptionQt(cannot("verified", name(), found.text));
     case FileEncrypt::VerifyResult::Torn:
     case FileEncrypt::VerifyResult::TornOrTampered:
-    case FileEncrypt::VerifyResult::Damaged:
+    case FileEncrypt::VerifyResult::RecordDamaged:
         throwDamage(found);
     }
     Q_UNREACHABLE();

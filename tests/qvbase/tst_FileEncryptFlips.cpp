@@ -118,7 +118,7 @@ void tst_FileEncryptFlips::ofRecordsAreTold()
 {
     auto const file = encrypted::device(m_name);
     forEachByte([&](int record, int at) {
-        auto const expected = record == recordCount - 1 ? Verified::TornOrTampered : Verified::Damaged;
+        auto const expected = record == recordCount - 1 ? Verified::TornOrTampered : Verified::RecordDamaged;
         for (int const bit : bitsToFlip(record, at)) {
             Flip const flip = flipped(at, 1 << bit);
             Verified const result = file->verify();

@@ -95,8 +95,9 @@ void tst_FileEncryptTampering::everySwap()
             QVector<QByteArray> records = m_records;
             records.swapItemsAt(first, second);
             Verified const result = verifiedBytes(encrypted::joined(m_file, records));
-            if (result.result != Verified::Damaged || result.record != first)
-                QFAIL(qPrintable(QStringLiteral("records %1 and %2: class %3").arg(first).arg(second).arg(result.result)));
+            if (result.result != Verified::RecordDamaged || result.record != first)
+                QFAIL(qPrintable(
+                    QStringLiteral("records %1 and %2: class %3").arg(first).arg(second).arg(result.result)));
         }
         QVERIFY(first == recordCount - 1 || encrypted::readBack(name()).hasFailed);
     }
@@ -111,7 +112,7 @@ void tst_FileEncryptTampering::everyRepetition()
             Verified const result = verifiedBytes(encrypted::joined(m_file, records));
             // The session's record names its place: at the end of the file it is no record at all.
             bool const isRecord = record > 0 || place == 1;
-            QCOMPARE(int(result.result), int(isRecord ? Verified::Damaged : Verified::TornOrTampered));
+            QCOMPARE(int(result.result), int(isRecord ? Verified::RecordDamaged : Verified::TornOrTampered));
             QCOMPARE(result.record, qint64(place));
             QVERIFY(encrypted::readBack(name()).hasFailed);
         }
@@ -124,7 +125,7 @@ void tst_FileEncryptTampering::everyRemovalButTheLast()
         QVector<QByteArray> records = m_records;
         records.removeAt(record);
         Verified const result = verifiedBytes(encrypted::joined(m_file, records));
-        QCOMPARE(int(result.result), int(Verified::Damaged));
+        QCOMPARE(int(result.result), int(Verified::RecordDamaged));
         QCOMPARE(result.record, qint64(record));
         QVERIFY(encrypted::readBack(name()).hasFailed);
     }
@@ -139,7 +140,7 @@ void tst_FileEncryptTampering::splicesFromAnotherFile()
         QVector<QByteArray> records = m_records;
         records[record] = foreign[record];
         Verified const result = verifiedBytes(encrypted::joined(m_file, records));
-        QVERIFY(result.result == Verified::Damaged
+        QVERIFY(result.result == Verified::RecordDamaged
             || (record == recordCount - 1 && result.result == Verified::TornOrTampered));
         QCOMPARE(result.record, qint64(record));
     }
@@ -155,7 +156,7 @@ void tst_FileEncryptTampering::splicesFromAnOlderCopy()
     for (int record = 100; record < recordCount; ++record) {
         QVector<QByteArray> const records = m_records.mid(0, record) + older.mid(record);
         Verified const result = verifiedBytes(encrypted::joined(m_file, records));
-        QCOMPARE(int(result.result), int(record == 100 ? Verified::Intact : Verified::Damaged));
+        QCOMPARE(int(result.result), int(record == 100 ? Verified::Intact : Verified::RecordDamaged));
     }
 }
 
@@ -241,7 +242,7 @@ void tst_FileEncryptTampering::anchorFinds()
         encrypted::setRawBytes(name(), encrypted::joined(m_file, m_records.mid(0, kept)));
     }
     QCOMPARE(int(encrypted::verified(name()).result), int(Verified::Intact));
-    QCOMPARE(int(encrypted::verified(name(), anchor).result), int(Verified::Damaged));
+    QCOMPARE(int(encrypted::verified(name(), anchor).result), int(Verified::RecordDamaged));
 }
 
 void tst_FileEncryptTampering::anchorStaysValidAsTheFileGrows()
@@ -254,7 +255,7 @@ void tst_FileEncryptTampering::anchorStaysValidAsTheFileGrows()
     QVERIFY(file->anchor() != before);
     QCOMPARE(int(encrypted::verified(name(), before).result), int(Verified::Intact));
     QCOMPARE(int(encrypted::verified(name(), file->anchor()).result), int(Verified::Intact));
-    QCOMPARE(int(encrypted::verified(name(), "no anchor").result), int(Verified::Damaged));
+    QCOMPARE(int(encrypted::verified(name(), "no anchor").result), int(Verified::RecordDamaged));
 }
 
 QTEST_GUILESS_MAIN(tst_FileEncryptTampering)

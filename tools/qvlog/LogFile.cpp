@@ -70,7 +70,7 @@ void LogFile::requireIntact()
         refuse(QStringLiteral("it cannot be verified: %1").arg(found.text));
     case FileEncrypt::VerifyResult::Torn:
     case FileEncrypt::VerifyResult::TornOrTampered:
-    case FileEncrypt::VerifyResult::Damaged:
+    case FileEncrypt::VerifyResult::RecordDamaged:
         throw DamageException(
             QStringLiteral("byte %1, record %2: %3").arg(found.offset).arg(found.record).arg(found.text));
     }
