@@ -33,6 +33,20 @@ namespace {
         return tail;
     }
 
+    /// Whether the records that came with the same write stand before @p last: a loss of power may leave its end alone.
+    bool isWriteWhole(RecordReader& reader, GoodRecord const& last)
+    {
+        Tail at = Tail::before(last.header, last.offset);
+        for (int place = last.header.place; place > 0; --place) {
+            auto const record = reader.wholeEndingAt(at.end);
+            if (!record || record->header.place != place - 1 || !record->tail().isSamePlace(at)
+                || !reader.goodAt(record->offset))
+                return false;
+            at = Tail::before(record->header, record->offset);
+        }
+        return true;
+    }
+
     FileTail withRest(RecordReader const& reader, Tail const& tail, qint64 fileSize)
     {
         FileTail result = {tail, fileSize, Verified::Intact};
@@ -71,7 +85,8 @@ FileTail findTail(RecordReader& reader, FileHeader const& header)
     std::optional<WholeRecord> bad;
     qint64 end = size;
     while (auto const record = reader.lastWholeUpTo(end)) {
-        if (auto const good = reader.goodAt(record->offset))
+        auto const good = reader.goodAt(record->offset);
+        if (good && isWriteWhole(reader, *good))
             return withRest(reader, good->tail(), size);
         if (!areOfOneWrite(*record, bad))
             return {Tail::before(record->header, record->offset), size, Verified::RecordDamaged};

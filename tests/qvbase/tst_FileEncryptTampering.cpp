@@ -42,6 +42,8 @@ private slots:
     void splicesFromAnOlderCopy();
     void tornTailOfEveryLength();
     void zerosBehindTheTearOfEveryLength();
+    void holeInTheLastWrite_data();
+    void holeInTheLastWrite();
     void damagedEndIsNotWrittenBehind();
     void suspectEndIsKeptAside();
     void anchorFinds_data();
@@ -187,6 +189,32 @@ void tst_FileEncryptTampering::zerosBehindTheTearOfEveryLength()
         QCOMPARE(encrypted::rawBytes(asideName()), tail);
         cleanup();
     }
+}
+
+void tst_FileEncryptTampering::holeInTheLastWrite_data()
+{
+    QTest::addColumn<int>("record");
+    QTest::newRow("first piece") << 2;
+    QTest::newRow("second piece") << 3;
+    QTest::newRow("last piece") << 4;
+}
+
+/// A loss of power may keep the end of a write that was never synced, and lose some before it.
+void tst_FileEncryptTampering::holeInTheLastWrite()
+{
+    QFETCH(int, record);
+    constexpr int piece = 1048576;
+    encrypted::appendAll(name(), {"kept", QByteArray(3 * piece, 'x')});
+    QByteArray const whole = encrypted::rawBytes(name());
+    QVector<QByteArray> records = encrypted::recordsOf(whole);
+    QCOMPARE(records.size(), 5);
+    records[record].replace(1000, 512, QByteArray(512, '\0'));
+    QCOMPARE(int(verifiedBytes(encrypted::joined(whole, records)).result), int(Verified::TornOrTampered));
+    QByteArray const before = "kept" + QByteArray((record - 2) * piece, 'x');
+    QVERIFY(encrypted::readBack(name()).text == before);
+    encrypted::appendAll(name(), {"on"});
+    QVERIFY(encrypted::readBack(name()).text == before + "on");
+    QCOMPARE(int(encrypted::verified(name()).result), int(Verified::Intact));
 }
 
 void tst_FileEncryptTampering::damagedEndIsNotWrittenBehind()
