@@ -34,15 +34,14 @@ namespace {
     }
 
     /// Whether the records that came with the same write stand before @p last: a loss of power may leave its end alone.
-    bool isWriteWhole(RecordReader& reader, GoodRecord const& last)
+    bool isWriteWhole(RecordReader& reader, WholeRecord const& last)
     {
-        Tail at = Tail::before(last.header, last.offset);
+        qint64 end = last.offset;
         for (int place = last.header.place; place > 0; --place) {
-            auto const record = reader.wholeEndingAt(at.end);
-            if (!record || record->header.place != place - 1 || !record->tail().isSamePlace(at)
-                || !reader.goodAt(record->offset))
+            auto const record = reader.wholeEndingAt(end);
+            if (!record || record->header.place != place - 1 || !reader.goodAt(record->offset))
                 return false;
-            at = Tail::before(record->header, record->offset);
+            end = record->offset;
         }
         return true;
     }

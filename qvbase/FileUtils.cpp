@@ -22,7 +22,7 @@ namespace {
 
     QString homeFolder()
     {
-        QString const home = absoluteFolder(qgetenv("HOME"));
+        QString home = absoluteFolder(qgetenv("HOME"));
         UserAccount account;
         if (!home.isEmpty() || findOwnUserAccount(account) != 0)
             return home;
@@ -63,7 +63,7 @@ QString FileUtils::userDataDir()
 
 QString FileUtils::userLogDir()
 {
-    QString const folder = QDir::cleanPath(userDataDir() + QLatin1Char('/') + applicationFolderName());
+    QString folder = QDir::cleanPath(userDataDir() + QLatin1Char('/') + applicationFolderName());
     createPrivateFolders(folder);
     return folder;
 }
