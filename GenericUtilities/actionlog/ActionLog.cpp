@@ -100,7 +100,7 @@ bool ActionLog::readEntries(QIODevice::OpenMode mode)
     std::optional<ActionLogXmlException> damage;
     bool const isOpen = m_d->call([&] { return m_d->readEntries(mode, damage); });
     if (damage)
-        throw *damage;
+        throw ActionLogXmlException(*damage);
     return isOpen;
 }
 

@@ -12,16 +12,16 @@ namespace qv {
 namespace {
 
     // Stored; never rename.
-    constexpr QLatin1String groupName("ActionLog");
-    constexpr QLatin1String splitPolicyKey("SplitState");
-    constexpr QLatin1String splitSizeKey("SplitSize");
-    constexpr QLatin1String userKey("ActionLogUser");
-    constexpr QLatin1String passwordKey("ActionLogPassword");
-    constexpr QLatin1String isDefaultPathKey("isDefaultLogPath");
-    constexpr QLatin1String pathKey("ActionLogPath");
-    constexpr QLatin1String durabilityKey("Durability");
+    QLatin1String const groupName("ActionLog");
+    QLatin1String const splitPolicyKey("SplitState");
+    QLatin1String const splitSizeKey("SplitSize");
+    QLatin1String const userKey("ActionLogUser");
+    QLatin1String const passwordKey("ActionLogPassword");
+    QLatin1String const isDefaultPathKey("isDefaultLogPath");
+    QLatin1String const pathKey("ActionLogPath");
+    QLatin1String const durabilityKey("Durability");
     /// What stands for the user's data folder in a stored path.
-    constexpr QLatin1String dataFolder("%LOCALAPPDATA%");
+    QLatin1String const dataFolder("%LOCALAPPDATA%");
 
     bool isDefault(QFileInfo const& file)
     {

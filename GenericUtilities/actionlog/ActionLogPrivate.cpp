@@ -32,7 +32,7 @@ namespace {
     QByteArray elementOf(LogEntry const& entry)
     {
         bool isReadable = false;
-        QByteArray const element = xml::toXml(entry, &isReadable);
+        QByteArray element = xml::toXml(entry, &isReadable);
         if (!isReadable)
             throw cannotBeReadBack();
         return element;

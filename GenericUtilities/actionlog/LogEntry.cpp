@@ -15,7 +15,7 @@ namespace {
     /// Time and user, which no description repeats.
     constexpr int CommonValues = 2;
 
-    constexpr qint64 MaxDescription = 32 * 1024 * 1024;
+    constexpr qint64 MaxDescription = qint64{32} * 1024 * 1024;
 
     /// The placeholders that QString::arg would replace next.
     struct Placeholders {

@@ -335,7 +335,7 @@ void LogFile::requireSound(LogFileContent const& content)
     if (!damage)
         return;
     noteBad();
-    throw *damage;
+    throw ActionLogXmlException(*damage);
 }
 
 ActionLogFileException LogFile::couldNotOpen() const

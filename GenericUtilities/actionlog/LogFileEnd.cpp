@@ -14,7 +14,7 @@ using xml::XmlScanner;
 
 namespace {
 
-    constexpr qint64 TailBytes = 16 * 1024;
+    constexpr qint64 TailBytes = qint64{16} * 1024;
 
     bool isBlank(char byte)
     {

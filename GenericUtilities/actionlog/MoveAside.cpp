@@ -113,7 +113,7 @@ QString moveAside(QString const& path, AsideName const& name)
     // Again where somebody takes the name in between.
     constexpr int maxRaces = 1000;
     for (int race = 0; race < maxRaces; ++race) {
-        QString const target = folder + name.fileName(firstFreeAttempt(folder, name));
+        QString target = folder + name.fileName(firstFreeAttempt(folder, name));
         if (rename(QFile::encodeName(path), QFile::encodeName(target))) {
             syncFolder(folder);
             return target;

@@ -13,7 +13,7 @@ namespace qv::xml {
 class GENERICUTILITIES_EXPORT XmlScanner {
 public:
     /// Of a tag, an instruction, a comment, or a text between these.
-    static constexpr qint64 MaxPieceBytes = 16 * 1024 * 1024;
+    static constexpr qint64 MaxPieceBytes = qint64{16} * 1024 * 1024;
     /// Of one element. Qt's reader takes a time that grows with the square of their number.
     static constexpr int MaxAttributes = 1000;
 
