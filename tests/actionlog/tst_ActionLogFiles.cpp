@@ -68,8 +68,7 @@ void tst_ActionLogFiles::extends_data()
     QTest::newRow("header and end tag") << header + scene::endTag << header << QByteArray() << QStringList();
     QTest::newRow("half an entry") << header + one + two.chopped(3) << header + one << two.chopped(3) << first;
     QTest::newRow("a byte of an entry") << header + one + "<" << header + one << QByteArray("<") << first;
-    QTest::newRow("half an end tag") << header + one + "\n</Entr" << header + one << QByteArray("\n</Entr")
-                                     << first;
+    QTest::newRow("half an end tag") << header + one + "\n</Entr" << header + one << QByteArray("\n</Entr") << first;
     QTest::newRow("zeros behind the last entry")
         << header + one + QByteArray(600, '\0') << header + one << QByteArray(600, '\0') << first;
 }
