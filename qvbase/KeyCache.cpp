@@ -49,7 +49,7 @@ std::optional<SecretKey> KeyCache::kekFor(Credentials const& credentials, FileHe
 
 std::optional<KeyCache::Salted> KeyCache::kekForNewFile(Credentials const& credentials, ScryptCost cost)
 {
-    auto const known = find(
+    auto known = find(
         [who = fingerprint(credentials), cost](Entry const& entry) { return entry.who == who && entry.cost == cost; });
     if (known)
         return known;

@@ -12,7 +12,7 @@ namespace {
 
     // An entry holds six short texts; a directory service that asks for more than the last size is out of its mind.
     constexpr std::size_t FirstBufferSize = 1024;
-    constexpr std::size_t LastBufferSize = 1024 * 1024;
+    constexpr std::size_t LastBufferSize = 1024 * FirstBufferSize;
 
     // The first of the comma-separated fields. By old custom "&" in it stands for the login name, capitalised.
     QString fullNameOf(passwd const& entry)

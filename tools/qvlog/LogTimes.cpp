@@ -34,7 +34,7 @@ QDateTime LogTimes::read(QString const& text)
 
 QDateTime LogTimes::parsed(QString const& text) const
 {
-    QDateTime const time = m_locale.toDateTime(text, QLocale::ShortFormat);
+    QDateTime time = m_locale.toDateTime(text, QLocale::ShortFormat);
     if (!time.isValid() || m_century == 0)
         return time;
     QDate const day(m_century + time.date().year() % 100, time.date().month(), time.date().day());

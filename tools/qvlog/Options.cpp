@@ -157,7 +157,7 @@ bool Reader::hasCondition() const
 
 QStringList Reader::texts(char const* name) const
 {
-    QStringList const values = has(name) ? m_parser.values(QLatin1String(name)) : QStringList();
+    QStringList values = has(name) ? m_parser.values(QLatin1String(name)) : QStringList();
     if (values.contains(QString()))
         refuse(QStringLiteral("--%1 takes a text").arg(QLatin1String(name)));
     return values;
@@ -174,7 +174,7 @@ Moments Reader::moments(char const* name) const
 {
     if (!has(name))
         return {};
-    Moments const moments = momentsOf(text(name));
+    Moments moments = momentsOf(text(name));
     if (moments.first.isNull())
         refuse(QStringLiteral("--%1 takes a time such as 2024-05-31 or 2024-05-31T18:30, not '%2'")
                    .arg(QLatin1String(name), text(name)));

@@ -34,8 +34,8 @@ QString categoryOf(QString const& text, QStringList const& englishNames)
     if (isCode(text))
         return text;
     QString const english = foundIn(englishNames, text);
-    QString const name = english.isEmpty() ? foundIn(qv::LogCategory::categoryNames(), text)
-                                           : QCoreApplication::translate("ActionLog", english.toUtf8().constData());
+    QString name = english.isEmpty() ? foundIn(qv::LogCategory::categoryNames(), text)
+                                     : QCoreApplication::translate("ActionLog", english.toUtf8().constData());
     if (name.isEmpty())
         throw UsageException(
             QStringLiteral("--category takes a code such as Expt or a name such as Export, not '%1'").arg(text));
