@@ -23,14 +23,14 @@ namespace {
         return bytes;
     }
 
-    uchar const* data(QByteArray const& bytes, qint64 offset = 0)
+    uchar const* octets(QByteArray const& bytes, qint64 offset = 0)
     {
         return reinterpret_cast<uchar const*>(bytes.constData()) + offset;
     }
 
     quint32 lengthIn(QByteArray const& bytes, qint64 offset)
     {
-        return qFromLittleEndian<quint32>(data(bytes, offset));
+        return qFromLittleEndian<quint32>(octets(bytes, offset));
     }
 
 } // namespace
@@ -75,7 +75,7 @@ Tag RecordReader::tagBefore(qint64 offset) const
 {
     QByteArray const bytes = readAt(m_fd, sizeof(Tag), offset - RecordHeader::TagAndLength);
     Tag tag = {};
-    std::copy_n(data(bytes), bytes.size(), tag.begin());
+    std::copy_n(octets(bytes), bytes.size(), tag.begin());
     return tag;
 }
 
@@ -89,7 +89,7 @@ std::optional<RecordHeader> RecordReader::headerAt(qint64 offset) const
 {
     QByteArray const bytes = readAt(m_fd, RecordHeader::Length, offset);
     RecordHeader header;
-    bool const isHeader = bytes.size() == RecordHeader::Length && header.fromBytes(data(bytes), offset);
+    bool const isHeader = bytes.size() == RecordHeader::Length && header.fromBytes(octets(bytes), offset);
     return isHeader ? std::make_optional(header) : std::nullopt;
 }
 
@@ -140,7 +140,7 @@ std::optional<WholeRecord> RecordReader::firstWholeFrom(qint64 offset) const
         int const count = bytes.size() - RecordHeader::Length + 1;
         for (int at = 0; at < count; ++at) {
             RecordHeader header;
-            if (!header.fromBytes(data(bytes, at), offset + at))
+            if (!header.fromBytes(octets(bytes, at), offset + at))
                 continue;
             if (auto record = wholeAt(offset + at))
                 return record;
@@ -160,7 +160,7 @@ uchar const* RecordReader::bytesAt(qint64 offset, qint64 size)
         m_windowOffset = offset;
     }
     qint64 const at = offset - m_windowOffset;
-    return at + size <= m_window.size() ? data(m_window, at) : nullptr;
+    return at + size <= m_window.size() ? octets(m_window, at) : nullptr;
 }
 
 std::optional<GoodRecord> RecordReader::goodAt(qint64 offset)

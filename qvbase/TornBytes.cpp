@@ -39,10 +39,10 @@ namespace {
 
 bool copyBytes(int from, qint64 begin, qint64 end, int to)
 {
-    constexpr qint64 chunkSize = 65536;
+    constexpr qint64 pieceSize = 65536;
     for (qint64 offset = begin; offset < end;) {
         bool ok = false;
-        QByteArray const bytes = posix::readAt(from, qMin(chunkSize, end - offset), offset, &ok);
+        QByteArray const bytes = posix::readAt(from, qMin(pieceSize, end - offset), offset, &ok);
         if (!ok || bytes.isEmpty() || !posix::write(to, bytes.constData(), bytes.size()))
             return false;
         offset += bytes.size();
@@ -60,7 +60,7 @@ void setTornBytesAside(int fd, QByteArray const& path, qint64 offset)
     if (!copyBytes(fd, offset, size, aside.fd()) || !posix::syncData(aside.fd()) || !posix::syncFolderOf(name)) {
         Failure const failure = {qt_error_string(errno)};
         ::unlink(name.constData());
-        throw failure;
+        throw Failure(failure);
     }
     require(posix::truncate(fd, offset) && posix::syncData(fd));
 }

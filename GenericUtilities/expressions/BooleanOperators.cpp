@@ -10,7 +10,7 @@ namespace qvgen {
 
 namespace {
 
-    bool const registered[] = {
+    bool const junctionsAreRegistered[] = {
         Expression::registerExpressionClass(BooleanOperator(
             ConstExpression(QVariant(), false), BooleanOperator::And, ConstExpression(QVariant(), false))),
         Expression::registerExpressionClass(NotOperator(ConstExpression(QVariant(), false))),

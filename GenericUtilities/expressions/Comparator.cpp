@@ -10,7 +10,7 @@ namespace qvgen {
 
 namespace {
 
-    bool const registered[] = {
+    bool const comparatorsAreRegistered[] = {
         Expression::registerExpressionClass(
             Comparator(ConstExpression(QVariant(), false), Comparator::Equal, ConstExpression(QVariant(), false))),
         Expression::registerExpressionClass(ElementOf(ConstExpression(QVariant(), false))),

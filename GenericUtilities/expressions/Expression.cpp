@@ -14,7 +14,7 @@ namespace qvgen {
 
 namespace {
 
-    bool const registered[] = {
+    bool const expressionsAreRegistered[] = {
         Expression::registerExpressionClass(ConstExpression(QVariant(), true)),
         Expression::registerExpressionClass(ValueExpression(QString(), QString())),
         Expression::registerExpressionClass(CastExpression(QVariant::Int, ConstExpression(QVariant(), false))),

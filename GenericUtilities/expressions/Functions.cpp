@@ -14,7 +14,8 @@ namespace qvgen {
 
 namespace {
 
-    bool const registered = Expression::registerExpressionClass(FunctionExpression(QString(), ExpressionList(), false));
+    bool const isFunctionRegistered
+        = Expression::registerExpressionClass(FunctionExpression(QString(), ExpressionList(), false));
 
     using F = FunctionExpression;
     constexpr int any = -1;

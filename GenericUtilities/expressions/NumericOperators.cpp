@@ -11,7 +11,7 @@ namespace qvgen {
 
 namespace {
 
-    bool const registered[] = {
+    bool const operatorsAreRegistered[] = {
         Expression::registerExpressionClass(
             NumericOperator(ConstExpression(0, false), NumericOperator::Add, ConstExpression(0, false))),
         Expression::registerExpressionClass(UnaryOperator(UnaryOperator::Minus, ConstExpression(0, false))),

@@ -2,6 +2,7 @@
 #define OPENSSL_SUPPRESS_DEPRECATED // DES_crypt, MD5_*: no others make these hashes
 #include <GenericUtilities/util/Crypt.h>
 
+#include <GenericUtilities/util/DesTables_p.h>
 #include <GenericUtilities/util/Wiped_p.h>
 
 #include <QCryptographicHash>
@@ -21,8 +22,9 @@ namespace qvgen {
 namespace {
 
     constexpr char alphabet[] = "./0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
-    constexpr unsigned sixBits = 0x3f;
-    constexpr int cryptCount = 25;
+    using des::cryptCount;
+    using des::sixBits;
+
     constexpr int keyLength = 8; // characters
     constexpr int hashLength = 13;
 

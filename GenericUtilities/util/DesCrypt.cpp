@@ -16,8 +16,6 @@ using namespace des;
 namespace {
 
     constexpr int roundCount = 16;
-    constexpr int cryptCount = 25;
-    constexpr unsigned sixBits = 0x3f;
 
     /// C or D before the next round.
     constexpr unsigned shifted(unsigned half, int count)

@@ -8,6 +8,9 @@ namespace qvgen::des {
 
 using Number = unsigned char;
 
+constexpr int cryptCount = 25; ///< How often crypt(3) encrypts its block.
+constexpr unsigned sixBits = 0x3f; ///< An input of an S-box, or a character of crypt(3)'s alphabet.
+
 // clang-format off
 
 /// IP: where each bit of the permuted block comes from.

@@ -16,7 +16,7 @@ namespace qvgen {
 namespace {
 
     constexpr int saltLength = 16;
-    constexpr int hashLength = 32;
+    constexpr int derivedLength = 32;
     constexpr quint64 maxMemory = Q_UINT64_C(128) << 20; // bytes that scrypt's table takes, 128 * r * N
     constexpr quint64 maxWork = Q_UINT64_C(4) << 20; // N * r * p; as tables of that cost take seconds
     constexpr int maxTextLength = 256; // characters of a stored hash
@@ -100,7 +100,7 @@ QString Crypt::hashPassword(QString const& password)
     QByteArray salt(saltLength, '\0');
     if (RAND_bytes(reinterpret_cast<uchar*>(salt.data()), salt.size()) != 1)
         return {};
-    QByteArray const hash = scrypt(password, salt, defaultCost, hashLength);
+    QByteArray const hash = scrypt(password, salt, defaultCost, derivedLength);
     return hash.isEmpty() ? QString() : toText({defaultCost, salt, hash});
 }
 

@@ -12,7 +12,7 @@
 
 namespace {
 
-char const description[] = R"(
+char const programDescription[] = R"(
 Catalogues the files beneath a folder as recordings, in memory and in a SQLite
 database, and answers searches in both. Each condition is built once; it is
 evaluated in memory and printed as SQL, and both must find the same rows.
@@ -173,7 +173,7 @@ QStringList suffixes(QStringList const& lists)
 Options readOptions(QStringList const& arguments)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QString::fromLatin1(description));
+    parser.setApplicationDescription(QString::fromLatin1(programDescription));
     QCommandLineOption const help = parser.addHelpOption();
     QCommandLineOption const version = parser.addVersionOption();
     addOptions(parser);

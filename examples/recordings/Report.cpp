@@ -75,7 +75,7 @@ QString bindValues(ExpressionHandle const& condition)
     return texts.isEmpty() ? QStringLiteral("none") : texts.join(QLatin1String(", "));
 }
 
-QString pathOf(PropertySet const& recording)
+QString shownPath(PropertySet const& recording)
 {
     return recording["folder"].variantValue().toString() + QLatin1Char('/')
         + recording["name"].variantValue().toString();
@@ -215,7 +215,7 @@ QString Report::disagreement(Search const& search, Answer const& answer, QVector
     return QStringLiteral("SQLite and memory disagree on '%1': %2 only by SQLite, %3 only in memory, such as '%4'")
         .arg(search.title, counted(onlyByDatabase.size(), QStringLiteral("row")),
             counted(onlyInMemory.size(), QStringLiteral("row")),
-            example < recordings.size() ? pathOf(recordings.at(example)) : QString());
+            example < recordings.size() ? shownPath(recordings.at(example)) : QString());
 }
 
 void Report::field(char const* name, QString const& text)

@@ -17,7 +17,7 @@ namespace {
 
 constexpr int anyNumber = -1;
 
-[[noreturn]] void refuse(char const* reason, QString const& name = QString())
+[[noreturn]] void refuseSearch(char const* reason, QString const& name = QString())
 {
     constexpr int width = 40;
     QString const text = QString::fromLatin1(reason);
@@ -53,7 +53,7 @@ public:
         else if (auto const* operation = as<Operator>(node))
             operands(*operation, node);
         else
-            refuse("it holds a part that no condition has");
+            refuseSearch("it holds a part that no condition has");
     }
 
     void sortTerm(ExpressionHandle const& node) const
@@ -62,7 +62,7 @@ public:
         bool const isMinus = minus && minus->op() == UnaryOperator::Minus && minus->operands().size() == 1;
         auto const* value = as<ValueExpression>(isMinus ? minus->operands().constFirst() : node);
         if (!value)
-            refuse("it sorts by something else than a column");
+            refuseSearch("it sorts by something else than a column");
         column(*value);
     }
 
@@ -70,18 +70,18 @@ private:
     void column(ValueExpression const& value) const
     {
         if (!m_columns.contains(value.name()))
-            refuse("it names '%1', which is no column", value.name());
+            refuseSearch("it names '%1', which is no column", value.name());
         if (!value.alias().isEmpty())
-            refuse("it gives the column '%1' another name", value.name());
+            refuseSearch("it gives the column '%1' another name", value.name());
     }
 
     static void bindValue(ConstExpression const& constant)
     {
         // Quotes are no shelter: half a surrogate pair before one makes SQLite pass over it.
         if (!constant.isPlaceholder())
-            refuse("it holds a value that is not to be bound");
+            refuseSearch("it holds a value that is not to be bound");
         if (columnType(constant.value()).isEmpty())
-            refuse("it holds a value that fits into no column");
+            refuseSearch("it holds a value that fits into no column");
     }
 
     void cast(CastExpression const& conversion) const
@@ -89,7 +89,7 @@ private:
         QVariant::Type const target = conversion.target();
         bool const isPlain = target == QVariant::Bool || target == QVariant::String;
         if (!isPlain && !TypeTool::isNumeric(target) && !TypeTool::isDate(target))
-            refuse("it converts to a type that no column has");
+            refuseSearch("it converts to a type that no column has");
         condition(conversion.operand());
     }
 
@@ -98,7 +98,7 @@ private:
         if (auto const* function = as<FunctionExpression>(node))
             call(*function);
         else if (!isComplete(operation, node))
-            refuse("it holds an operator that is none, or lacks operands");
+            refuseSearch("it holds an operator that is none, or lacks operands");
         for (ExpressionHandle const& operand : operation.operands())
             condition(operand);
     }
@@ -107,9 +107,9 @@ private:
     {
         auto const entry = FunctionExpression::functionMap().constFind(function.name());
         if (entry == FunctionExpression::functionMap().constEnd())
-            refuse("it calls '%1', which is no function", function.name());
+            refuseSearch("it calls '%1', which is no function", function.name());
         if (!isWithin(function.operands().size(), entry->minArguments, entry->maxArguments))
-            refuse("it calls '%1' with too few values, or too many", function.name());
+            refuseSearch("it calls '%1' with too few values, or too many", function.name());
     }
 
     /// A list is none: neither in SQL where it stands alone, nor where an unknown class was read as one.
@@ -141,5 +141,5 @@ void checkSearch(Search const& search, PropertySet const& recording)
         check.sortTerm(term);
     // A minus of a minus prints so, and hides the rest of the statement.
     if (RecordingDatabase::statement(search).contains(QLatin1String("--")))
-        refuse("it has a minus before a minus, which begins a comment in SQL");
+        refuseSearch("it has a minus before a minus, which begins a comment in SQL");
 }

@@ -21,7 +21,7 @@ constexpr QDataStream::Version streamVersion = QDataStream::Qt_5_15;
 
 constexpr qint64 maxBytes = 1 << 20;
 
-[[noreturn]] void refuse(char const* reason)
+[[noreturn]] void refuseFile(char const* reason)
 {
     throw qv::ExceptionQt(QString::fromLatin1(reason));
 }
@@ -44,7 +44,7 @@ QByteArray readBytes(QString const& name)
     // Not from a pipe or a terminal, where reading would wait.
     QFileInfo const info(name);
     if (info.exists() && !info.isFile())
-        refuse("it is no file");
+        refuseFile("it is no file");
     QFile file(name);
     if (!file.open(QIODevice::ReadOnly))
         throw qv::ExceptionQt(file.errorString());
@@ -66,9 +66,9 @@ bool isSearch(QByteArray const& bytes)
 void write(QString const& name, QByteArray const& bytes)
 {
     if (bytes.size() > maxBytes)
-        refuse("it would be larger than 1 MiB");
+        refuseFile("it would be larger than 1 MiB");
     if (QFileInfo::exists(name) && !isSearch(readBytes(name)))
-        refuse("it holds something else than a search");
+        refuseFile("it holds something else than a search");
     QSaveFile file(name);
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
         throw qv::ExceptionQt(file.errorString());
@@ -83,28 +83,28 @@ QByteArray encodedSearch(Search const& search)
     setUp(out);
     out << magic << formatVersion << search.condition << ExpressionHandle(search.order);
     if (out.status() != QDataStream::Ok)
-        refuse("it is nested too deeply");
+        refuseFile("it is nested too deeply");
     return bytes + QCryptographicHash::hash(bytes, QCryptographicHash::Sha256);
 }
 
 Search decodedSearch(QByteArray const& bytes, PropertySet const& recording)
 {
     if (!isSearch(bytes))
-        refuse("it is no saved search");
+        refuseFile("it is no saved search");
     if (bytes.size() > maxBytes)
-        refuse("it is larger than 1 MiB");
+        refuseFile("it is larger than 1 MiB");
     QDataStream in(bytes);
     setUp(in);
     quint32 mark = 0;
     quint32 version = 0;
     in >> mark >> version;
     if (version > formatVersion)
-        refuse("it was saved by a later version of this program");
+        refuseFile("it was saved by a later version of this program");
     Search search{QStringLiteral("Your search"), Expression::readExpression(in)};
     search.order = ExpressionList(Expression::readExpression(in));
     // Tells every kind of damage at once: the reader itself passes over versions and unknown classes.
     if (encodedSearch(search) != bytes)
-        refuse("it is damaged");
+        refuseFile("it is damaged");
     checkSearch(search, recording);
     return search;
 }

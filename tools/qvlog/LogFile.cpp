@@ -9,7 +9,7 @@ using qv::FileEncrypt;
 
 namespace {
 
-[[noreturn]] void refuse(QString const& reason)
+[[noreturn]] void refuseFile(QString const& reason)
 {
     throw RefusalException(reason);
 }
@@ -22,11 +22,11 @@ LogFile::LogFile(QString const& path, Access& access)
 {
     // A pipe would wait for its writer, a device might never end.
     if (QFileInfo const info(path); info.exists() && !info.isFile())
-        refuse(QStringLiteral("it is no regular file"));
+        refuseFile(QStringLiteral("it is no regular file"));
     if (m_device.open(QIODevice::ReadOnly))
         return;
     if (m_device.headerError() != FileEncrypt::NotOurFormat)
-        refuse(QStringLiteral("it cannot be read: %1").arg(m_device.errorString()));
+        refuseFile(QStringLiteral("it cannot be read: %1").arg(m_device.errorString()));
     openEncrypted(access);
 }
 
@@ -43,11 +43,11 @@ void LogFile::throwHeaderError() const
     switch (m_device.headerError()) {
     case FileEncrypt::NoHeaderError:
     case FileEncrypt::NotOurFormat: // It has changed meanwhile.
-        refuse(QStringLiteral("it cannot be read: %1").arg(m_device.errorString()));
+        refuseFile(QStringLiteral("it cannot be read: %1").arg(m_device.errorString()));
     case FileEncrypt::UnknownVersion:
-        refuse(QStringLiteral("it was encrypted by a later version of this program"));
+        refuseFile(QStringLiteral("it was encrypted by a later version of this program"));
     case FileEncrypt::WrongCredentials:
-        refuse(QStringLiteral("it has another file user or password"));
+        refuseFile(QStringLiteral("it has another file user or password"));
     case FileEncrypt::Damaged:
         throw DamageException(QStringLiteral("byte 0: the header of the encrypted file is damaged"));
     }
@@ -58,7 +58,7 @@ void LogFile::requireIntact()
 {
     if (!m_isEncrypted) {
         if (m_device.error() != QFileDevice::NoError)
-            refuse(QStringLiteral("it cannot be read: %1").arg(m_device.errorString()));
+            refuseFile(QStringLiteral("it cannot be read: %1").arg(m_device.errorString()));
         return;
     }
     FileEncrypt::VerifyResult const found = m_device.verify();
@@ -67,7 +67,7 @@ void LogFile::requireIntact()
         return;
     case FileEncrypt::VerifyResult::HeaderRefused:
     case FileEncrypt::VerifyResult::NotReadable:
-        refuse(QStringLiteral("it cannot be verified: %1").arg(found.text));
+        refuseFile(QStringLiteral("it cannot be verified: %1").arg(found.text));
     case FileEncrypt::VerifyResult::Torn:
     case FileEncrypt::VerifyResult::TornOrTampered:
     case FileEncrypt::VerifyResult::RecordDamaged:
