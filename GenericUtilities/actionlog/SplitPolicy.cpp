@@ -26,7 +26,7 @@ namespace {
         {SplitMonthly, [](QDate const& date) { return date.month(); }, "yyyy-MMM"},
     };
 
-    CalendarPolicy const* calendarPolicy(ESplitPolicy policy)
+    CalendarPolicy const* calendarPolicy(int policy)
     {
         auto const* const found = std::find_if(std::begin(calendarPolicies), std::end(calendarPolicies),
             [policy](CalendarPolicy const& row) { return row.policy == policy; });
@@ -43,7 +43,7 @@ namespace {
 
 ESplitPolicy policyFrom(int number)
 {
-    bool const isPolicy = number == SplitBySize || calendarPolicy(static_cast<ESplitPolicy>(number));
+    bool const isPolicy = number == SplitBySize || calendarPolicy(number);
     return isPolicy ? static_cast<ESplitPolicy>(number) : SplitNone;
 }
 
