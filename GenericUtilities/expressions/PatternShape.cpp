@@ -155,9 +155,9 @@ namespace {
             Group group;
             if (peek() == '?') {
                 next();
-                group.isLookahead = peek() == '=' || peek() == '!';
-                if (group.isLookahead || peek() == ':')
-                    next();
+                // Whatever stands there names the kind of group: a bracket begins no class.
+                ushort const kind = next();
+                group.isLookahead = kind == '=' || kind == '!';
             } else {
                 group.isCapturing = true;
                 ++m_shape.captures;

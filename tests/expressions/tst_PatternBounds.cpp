@@ -147,6 +147,7 @@ void TestPatternBounds::refusedWhateverTheSubject_data()
     row("malformed lookaheads within each other", times("(?=a", 20) + text("{"));
     row("malformed lookahead with a count", text("(?=a{1000}(?=a{1000}(?=a{"));
     row("malformed count hides a loop", text("a{x(") + times("a|", 200) + text("a)*"));
+    row("malformed group eats a bracket before lookaheads", text("(?[a") + times("w(?=", 12));
     row("malformed group hides a loop", text("(?(((") + times("a?", 99) + text("){99}"));
 }
 
