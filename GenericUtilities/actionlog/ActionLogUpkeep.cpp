@@ -39,11 +39,20 @@ namespace {
 
 } // namespace
 
-std::optional<ActionLogXmlException> ActionLog::Private::read()
+std::optional<ActionLogXmlException> ActionLog::Private::read(bool isToBeExtended)
 {
-    file.flush();
+    std::optional<ActionLogXmlException> damage;
+    try {
+        if (isToBeExtended)
+            LogFileTurn const turn(file);
+        file.flush();
+    } catch (ActionLogXmlException const& failure) {
+        // What waits is written to the fresh file that takes the place of the damaged one.
+        damage = failure;
+    }
     LogFileContent content = file.read();
-    auto damage = file.damageOf(content);
+    if (auto const found = file.damageOf(content))
+        damage = found;
     list.clear();
     list.append(std::move(content.entries));
     // The next entry has a damaged file read again, and moved aside.
@@ -56,7 +65,7 @@ void ActionLog::Private::readLog()
     if (!QFileInfo::exists(file.path()))
         return list.clear();
     try {
-        if (auto const damage = read())
+        if (auto const damage = read(false))
             tell(*damage);
     } catch (ActionLogFileException const& failure) {
         tell(failure);
@@ -66,15 +75,10 @@ void ActionLog::Private::readLog()
 bool ActionLog::Private::readEntries(QIODevice::OpenMode mode, std::optional<ActionLogXmlException>& damage)
 {
     try {
-        if (mode & QIODevice::WriteOnly)
-            LogFileTurn const turn(file);
-        damage = read();
+        damage = read(mode & QIODevice::WriteOnly);
         return true;
     } catch (ActionLogFileException const&) {
         return false;
-    } catch (ActionLogXmlException const& failure) {
-        damage = failure;
-        return true;
     }
 }
 

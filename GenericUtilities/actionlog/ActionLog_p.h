@@ -55,8 +55,8 @@ private:
     void write(LogEntry const& entry);
     void splitIfDue();
     void load();
-    /// Lists what the file holds. Returns its damage, if there is any.
-    std::optional<ActionLogXmlException> read();
+    /// Lists what the file holds, up to its damage, which it returns. Leaves a sound file open to be extended.
+    std::optional<ActionLogXmlException> read(bool isToBeExtended);
     void logOn();
     bool moveBadAside(char const* suffix);
     void tell(ActionLogFileException const& failure);

@@ -64,7 +64,10 @@ private slots:
     void readingListsOnce();
     void readEntries_data();
     void readEntries();
+    void readsNothingWhereThereIsNoFile();
     void damageIsListedAndTold();
+    void damageIsListedWhereTheFileIsToBeExtended();
+    void damageIsToldWhileEntriesWait();
     void deletesRuns();
     void removesAll();
     void backsUp();
@@ -223,6 +226,44 @@ void tst_ActionLog::damageIsListedAndTold()
     scene.logText(QStringLiteral("new"));
     QCOMPARE(scene.bytes(QStringLiteral("2026-11-21 10-11-12 Trail.qvl.corrupt")), damaged);
     QCOMPARE(scene.listed(), QStringList({QStringLiteral("new")}));
+}
+
+void tst_ActionLog::readsNothingWhereThereIsNoFile()
+{
+    Scene scene;
+    scene.log().readLog();
+    QVERIFY(!scene.log().readEntries(QIODevice::ReadOnly));
+    QCOMPARE(scene.files(), QStringList());
+    QVERIFY(scene.log().readEntries(QIODevice::ReadWrite));
+    QCOMPARE(scene.bytes(), QByteArray());
+    QCOMPARE(scene.told, QStringList());
+    scene.logText(QStringLiteral("one"));
+    QCOMPARE(scene.texts(), QStringList({QStringLiteral("one")}));
+}
+
+void tst_ActionLog::damageIsListedWhereTheFileIsToBeExtended()
+{
+    Scene scene;
+    QByteArray const one = scene::element(QStringLiteral("one"));
+    scene.hold(scene::header(scene.path()) + one + one.chopped(4) + one + one.chopped(4));
+    QVERIFY_EXCEPTION_THROWN(scene.log().readEntries(QIODevice::ReadWrite), qv::ActionLogXmlException);
+    QCOMPARE(scene.listed(), QStringList({QStringLiteral("one"), QString()}));
+    QCOMPARE(scene.told, added(0) + added(1));
+}
+
+void tst_ActionLog::damageIsToldWhileEntriesWait()
+{
+    Scene scene;
+    scene.log().setDurability(qv::DurabilityNone);
+    scene.logText(QStringLiteral("waiting"));
+    scene.told.clear();
+    scene.hold(scene::header(scene.path()) + scene::element(QStringLiteral("one")) + "<Entry </Entries>");
+    scene.log().readLog();
+    QCOMPARE(scene.told.last(), QStringLiteral("errorXml line 1"));
+    QCOMPARE(scene.listed(), QStringList({QStringLiteral("one"), QString()}));
+    scene.log().setDurability(qv::DurabilityFlush);
+    scene.logText(QStringLiteral("new"));
+    QCOMPARE(scene.texts(), QStringList({QStringLiteral("waiting"), QStringLiteral("new")}));
 }
 
 void tst_ActionLog::deletesRuns()
