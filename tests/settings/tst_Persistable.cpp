@@ -7,6 +7,8 @@
 #include <QtTest>
 
 #include <sstream>
+#include <streambuf>
+#include <thread>
 
 namespace {
 
@@ -29,6 +31,43 @@ public:
     }
 
     int m_count = 0;
+};
+
+/// Looks at each piece that is written, and at each flush, whether another thread could take the log's mutex.
+class MutexWatch : public std::streambuf {
+public:
+    int flushes = 0;
+    bool isAlwaysHeld = true;
+
+protected:
+    std::streamsize xsputn(char const*, std::streamsize count) override
+    {
+        look();
+        return count;
+    }
+    int_type overflow(int_type character) override
+    {
+        look();
+        return character;
+    }
+    int sync() override
+    {
+        look();
+        ++flushes;
+        return 0;
+    }
+
+private:
+    void look()
+    {
+        std::thread([this] {
+            qv::Mutex& mutex = qv::Log::instance()->mutex();
+            if (!mutex.tryLock())
+                return;
+            mutex.unlock();
+            isAlwaysHeld = false;
+        }).join();
+    }
 };
 
 void run(qv::Persistable& object, Operation operation, qv::IPersistDestination* destination)
@@ -65,6 +104,7 @@ private slots:
     void complaintNeedsStreamAndLevel_data();
     void complaintNeedsStreamAndLevel();
     void complaintKeepsStreamWidth();
+    void complaintIsOneLineUnderTheMutex();
     void defaultsLeaveTheDestinationUntouched();
     void nullDestinationIsNotTouched();
     void overridesAreCalled();
@@ -102,8 +142,10 @@ void tst_Persistable::complaintNeedsStreamAndLevel_data()
     QTest::addColumn<bool>("hasStream");
     QTest::addColumn<bool>("isWritten");
     QTest::newRow("debug") << 0 << true << true;
+    QTest::newRow("information") << 1 << true << true;
     QTest::newRow("warning") << 2 << true << true;
     QTest::newRow("errors only") << 3 << true << false;
+    QTest::newRow("nothing at all") << 4 << true << false;
     QTest::newRow("silenced") << 0 << false << false;
 }
 
@@ -123,6 +165,18 @@ void tst_Persistable::complaintKeepsStreamWidth()
     qv::Persistable().load(nullptr);
     QCOMPARE(int(m_log.width()), 200);
     QVERIFY(m_log.str().rfind("WARNING: You", 0) == 0);
+}
+
+void tst_Persistable::complaintIsOneLineUnderTheMutex()
+{
+    MutexWatch watch;
+    std::ostream log(&watch);
+    qv::Log::instance()->setStream(warning, &log);
+    qv::Persistable object;
+    object.save(nullptr);
+    object.load(nullptr);
+    QCOMPARE(watch.flushes, 2);
+    QVERIFY(watch.isAlwaysHeld);
 }
 
 void tst_Persistable::defaultsLeaveTheDestinationUntouched()

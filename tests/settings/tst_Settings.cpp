@@ -23,7 +23,10 @@ private slots:
     void applicationSettings();
     void callersSettingsStayAlive();
     void everyOperationIsThatOfQSettings();
+    void syncWritesTheFile();
+    void ownSettingsAreWrittenInTheEnd();
     void arraysReadBack();
+    void arrayHasItsGivenSize();
     void absentArrayHasNoElements();
     void valuesOutlastTheObject();
     void damagedFileReadsAsEmpty();
@@ -119,6 +122,27 @@ void tst_Settings::everyOperationIsThatOfQSettings()
     QVERIFY(!settings.contains(QStringLiteral("Group/key")));
 }
 
+void tst_Settings::syncWritesTheFile()
+{
+    qv::Settings settings(file(QStringLiteral("sync.ini")), QSettings::IniFormat);
+    settings.setValue(QStringLiteral("key"), 5);
+    QVERIFY(!QFile::exists(settings.fileName()));
+    settings.sync();
+    QFile written(settings.fileName());
+    QVERIFY(written.open(QIODevice::ReadOnly));
+    QCOMPARE(written.readAll(), QByteArray("[General]\nkey=5\n"));
+}
+
+void tst_Settings::ownSettingsAreWrittenInTheEnd()
+{
+    QString const name = file(QStringLiteral("own.ini"));
+    {
+        qv::Settings settings(name, QSettings::IniFormat);
+        settings.setValue(QStringLiteral("key"), 5);
+    }
+    QVERIFY(QFile::exists(name));
+}
+
 void tst_Settings::arraysReadBack()
 {
     qv::Settings settings(file(QStringLiteral("array.ini")), QSettings::IniFormat);
@@ -132,6 +156,16 @@ void tst_Settings::arraysReadBack()
     settings.setArrayIndex(2);
     QCOMPARE(settings.value(QStringLiteral("cell"), -1), QVariant(20));
     settings.endArray();
+}
+
+void tst_Settings::arrayHasItsGivenSize()
+{
+    qv::Settings settings(file(QStringLiteral("size.ini")), QSettings::IniFormat);
+    settings.beginWriteArray(QStringLiteral("Rows"), 5);
+    settings.endArray();
+    QCOMPARE(settings.beginReadArray(QStringLiteral("Rows")), 5);
+    settings.endArray();
+    QVERIFY(settings.contains(QStringLiteral("Rows/size")));
 }
 
 void tst_Settings::absentArrayHasNoElements()
