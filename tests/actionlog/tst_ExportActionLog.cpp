@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "LogScene.h"
+#include "ReversingTranslator.h"
 
 #include <GenericUtilities/actionlog/ExportActionLogMessageHandler.h>
 
 #include <QLocale>
 #include <QTest>
+#include <QTranslator>
 
 using qv::ExportActionLog;
 using scene::Scene;
@@ -23,6 +25,16 @@ QString shortText(quint64 micros)
     return QLocale::system().toString(time, QLocale::ShortFormat);
 }
 
+/// A language that has names for the formats.
+class FormatTranslator : public QTranslator {
+public:
+    bool isEmpty() const override { return false; }
+    QString translate(char const* context, char const*, char const*, int) const override
+    {
+        return qstrcmp(context, "ExportFormats") == 0 ? QStringLiteral("translated") : QString();
+    }
+};
+
 } // namespace
 
 class tst_ExportActionLog : public QObject {
@@ -36,10 +48,13 @@ private slots:
     void seriesOfExports_data();
     void seriesOfExports();
     void rename();
+    void renameIsDescribedByBothPaths();
     void exports_data();
     void exports();
     void templates_data();
     void templates();
+    void templateIsTranslatedFormatIsNot();
+    void withoutTimesTheFirstSecondIsKept();
     void timesWrapAround();
 };
 
@@ -128,6 +143,13 @@ void tst_ExportActionLog::rename()
     QCOMPARE(entry->logValue(qv::FourChars("dest"))->toString(), QStringLiteral("b.avi"));
 }
 
+void tst_ExportActionLog::renameIsDescribedByBothPaths()
+{
+    Scene scene;
+    ExportActionLog::send(QStringLiteral("/clips/"), QStringLiteral("a.avi"), QStringLiteral("b.avi"));
+    QCOMPARE(scene.log().entry(0)->description(), QStringLiteral("'/clips/a.avi' to '/clips/b.avi'."));
+}
+
 void tst_ExportActionLog::exports_data()
 {
     QTest::addColumn<ExportActionLog::EState>("state");
@@ -197,6 +219,26 @@ void tst_ExportActionLog::templates()
     ExportActionLog::send(ExportActionLog::AVI, QStringLiteral("Lobby"), target, from, to, ExportActionLog::Finished);
     QTEST(scene::textOf(scene.log().entry(0)), "text");
     QTEST(scene.log().entry(0)->description(), "description");
+}
+
+void tst_ExportActionLog::templateIsTranslatedFormatIsNot()
+{
+    ReversingTranslator reversing;
+    FormatTranslator formats;
+    QCoreApplication::installTranslator(&reversing);
+    QCoreApplication::installTranslator(&formats);
+    Scene scene;
+    ExportActionLog::send(ExportActionLog::Printer, QStringLiteral("Lobby"), {}, 0, 0, ExportActionLog::Start);
+    QCOMPARE(scene.listed(), QStringList({QStringLiteral(".'2%'=ecruoS ;'1%'=tamroF")}));
+    QCOMPARE(scene.log().entry(0)->logValue(qv::FourChars("Form"))->toString(), QStringLiteral("Printer"));
+}
+
+void tst_ExportActionLog::withoutTimesTheFirstSecondIsKept()
+{
+    Scene scene;
+    ExportActionLog::send(ExportActionLog::AVI, {}, {}, 0, 0, ExportActionLog::Start);
+    QCOMPARE(scene.log().entry(0)->logValue(qv::FourChars("from"))->toString(), shortText(0));
+    QCOMPARE(scene.log().entry(0)->logValue(qv::FourChars("to  "))->toString(), shortText(0));
 }
 
 void tst_ExportActionLog::timesWrapAround()
