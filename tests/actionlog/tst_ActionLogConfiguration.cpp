@@ -63,9 +63,12 @@ class tst_ActionLogConfiguration : public QObject {
 private slots:
     void savesInOrder();
     void savesTheDefaultPathByItsPlaceholder();
+    void paths_data();
+    void paths();
     void passwords_data();
     void passwords();
     void loads();
+    void loadsTheDefaultPath();
     void loadsThroughSettings();
     void whatIsNotStoredStays();
     void numbersWithoutMeaning_data();
@@ -84,6 +87,12 @@ void tst_ActionLogConfiguration::savesInOrder()
         Values({{key("SplitState"), 8}, {key("SplitSize"), 1048576}, {key("ActionLogUser"), QStringLiteral("ann")},
             {key("ActionLogPassword"), QByteArray("c2VjcmV0")}, {key("isDefaultLogPath"), false},
             {key("ActionLogPath"), scene.path()}, {key("Durability"), 2}}));
+    QList<QVariant::Type> types;
+    for (auto const& value : record.values)
+        types.append(value.second.type());
+    QCOMPARE(types,
+        QList<QVariant::Type>({QVariant::Int, QVariant::Int, QVariant::String, QVariant::ByteArray, QVariant::Bool,
+            QVariant::String, QVariant::Int}));
 }
 
 void tst_ActionLogConfiguration::savesTheDefaultPathByItsPlaceholder()
@@ -97,6 +106,35 @@ void tst_ActionLogConfiguration::savesTheDefaultPathByItsPlaceholder()
     QCOMPARE(record.values.at(5).second.toString(),
         QStringLiteral("%LOCALAPPDATA%") + qv::FileUtils::userLogDir().mid(qv::FileUtils::userDataDir().size())
             + QStringLiteral("/ActionLog.qvl"));
+}
+
+void tst_ActionLogConfiguration::paths_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("stored");
+    QTest::newRow("in the data folder") << "state/Trail.qvl"
+                                        << "%LOCALAPPDATA%/Trail.qvl";
+    QTest::newRow("below the data folder") << "state/a/b/Trail.qvl"
+                                           << "%LOCALAPPDATA%/a/b/Trail.qvl";
+    QTest::newRow("in a folder whose name begins so") << "state2/Trail.qvl"
+                                                      << "";
+    QTest::newRow("elsewhere") << "Trail.qvl"
+                               << "";
+}
+
+void tst_ActionLogConfiguration::paths()
+{
+    QFETCH(QString, path);
+    QFETCH(QString, stored);
+    Scene scene;
+    QFileInfo const file(scene.path(path));
+    scene.log().setFileInfo(file);
+    Record record;
+    scene.log().save(&record);
+    QCOMPARE(record.values.at(5).second.toString(), stored.isEmpty() ? file.filePath() : stored);
+    scene.log().setFileInfo(QFileInfo(scene.path(QStringLiteral("Other.qvl"))));
+    scene.log().load(&record);
+    QCOMPARE(scene.log().fileInfo(), file);
 }
 
 void tst_ActionLogConfiguration::passwords_data()
@@ -139,6 +177,14 @@ void tst_ActionLogConfiguration::loads()
     QCOMPARE(scene.log().splitSize(), 77);
     QCOMPARE(scene.log().fileInfo().absoluteFilePath(), path);
     QCOMPARE(scene.log().durability(), qv::DurabilityNone);
+}
+
+void tst_ActionLogConfiguration::loadsTheDefaultPath()
+{
+    Scene scene;
+    Record record({{key("isDefaultLogPath"), true}, {key("ActionLogPath"), scene.path(QStringLiteral("Old.qvl"))}});
+    scene.log().load(&record);
+    QCOMPARE(scene.log().fileInfo(), qv::ActionLog::defaultFileInfo());
 }
 
 void tst_ActionLogConfiguration::loadsThroughSettings()
