@@ -29,6 +29,7 @@ private slots:
     void earlierFileIsDatedByItsHeader_data();
     void earlierFileIsDatedByItsHeader();
     void movedFileIsEnded();
+    void bySize_data();
     void bySize();
     void tellsInOrder();
     void freshFileIsBegunWithAHeader();
@@ -118,11 +119,19 @@ void tst_ActionLogSplit::movedFileIsEnded()
     QCOMPARE(scene.bytes(QStringLiteral("2026-47-21 Trail.qvl")), before + scene::endTag);
 }
 
+void tst_ActionLogSplit::bySize_data()
+{
+    QTest::addColumn<QString>("password");
+    QTest::newRow("plain") << "";
+    QTest::newRow("encrypted: of the plain text") << "correct horse";
+}
+
 void tst_ActionLogSplit::bySize()
 {
-    Scene scene;
+    QFETCH(QString, password);
+    Scene scene(password);
     scene.logText(QStringLiteral("old"));
-    int const size = scene.bytes().size();
+    int const size = (scene::header(scene.path()) + qv::xml::toXml(*scene.log().entry(0))).size();
     scene.log().setSplitPolicy(qv::SplitBySize, size);
     scene.logText(QStringLiteral("at the size, not above it"));
     QCOMPARE(scene.files().size(), 1);
