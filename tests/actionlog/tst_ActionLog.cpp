@@ -74,13 +74,17 @@ private slots:
     void backupOverwritesNothing();
     void snapshotOutlivesTheList();
     void switches();
+    void switchesToNoOtherFile_data();
+    void switchesToNoOtherFile();
     void anotherFileEmptiesTheList();
     void receiverThatLogs();
     void receiverThatChangesTheList();
     void receiverThatDeletesTheLog();
     void receiverThatLogsErrors();
+    void errorsTellTheirPlace();
     void userName_data();
     void userName();
+    void userNameIsThatOfOneVariable();
     void unknownFileUserIsRefused();
 };
 
@@ -98,6 +102,12 @@ void tst_ActionLog::metaObject()
             QStringLiteral("errorXml(QString,int,int)"), QStringLiteral("switchedFileHandle(QString)"),
             QStringLiteral("incompatibleHeader()")}));
     QCOMPARE(meta.method(meta.methodCount() - 1).methodType(), QMetaMethod::Slot);
+    auto const parameters
+        = [&meta](char const* signature) { return meta.method(meta.indexOfMethod(signature)).parameterNames(); };
+    QCOMPARE(parameters("errorLogon(QString,int)"), QList<QByteArray>({"user", "error"}));
+    QCOMPARE(parameters("errorFile(QString,int)"), QList<QByteArray>({"file", "type"}));
+    QCOMPARE(parameters("errorXml(QString,int,int)"), QList<QByteArray>({"error", "line", "colum"}));
+    QCOMPARE(parameters("switchedFileHandle(QString)"), QList<QByteArray>({"fileName"}));
 }
 
 void tst_ActionLog::oneInstance()
@@ -359,6 +369,26 @@ void tst_ActionLog::switches()
     QCOMPARE(scene.content(QStringLiteral("Other.qvl")).entries.size(), size_t(1));
 }
 
+void tst_ActionLog::switchesToNoOtherFile_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("its own") << "/Trail.qvl";
+    QTest::newRow("its own, spelled another way") << "/state/../Trail.qvl";
+    QTest::newRow("none") << QString();
+}
+
+void tst_ActionLog::switchesToNoOtherFile()
+{
+    QFETCH(QString, path);
+    Scene scene;
+    scene.logText(QStringLiteral("one"));
+    scene.told.clear();
+    scene.log().switchFileHandle(path.isEmpty() ? path : QFileInfo(scene.path()).absolutePath() + path);
+    QCOMPARE(scene.told, QStringList());
+    scene.logText(QStringLiteral("two"));
+    QCOMPARE(scene.texts(), QStringList({QStringLiteral("one"), QStringLiteral("two")}));
+}
+
 void tst_ActionLog::anotherFileEmptiesTheList()
 {
     Scene scene;
@@ -436,6 +466,31 @@ void tst_ActionLog::receiverThatLogsErrors()
     QCOMPARE(scene.told, QStringList({QStringLiteral("errorFile Trail.qvl 1")}));
 }
 
+void tst_ActionLog::errorsTellTheirPlace()
+{
+    Scene scene;
+    QVariantList told;
+    QObject::connect(&scene.log(), &ActionLog::errorFile, [&](QString const& file, int type) { told << file << type; });
+    QObject::connect(&scene.log(), &ActionLog::errorXml,
+        [&](QString const& error, int line, int column) { told << error << line << column; });
+    QObject::connect(&scene.log(), &ActionLog::switchedFileHandle, [&](QString const& file) { told << file; });
+
+    QString const missing = scene.path(QStringLiteral("missing/Trail.qvl"));
+    scene.log().switchFileHandle(missing);
+    QCOMPARE(told, QVariantList({missing, 1, missing}));
+
+    scene.log().setFileInfo(QFileInfo(scene.path()));
+    scene.hold(scene::header(scene.path()) + "\n</Other>");
+    told.clear();
+    scene.log().readLog();
+    qv::LogEntry* const failure = scene.log().entry(0);
+    QCOMPARE(failure->id(), qv::FourChars("XmlP"));
+    QCOMPARE(told,
+        QVariantList({failure->logValue(qv::FourChars("srcP"))->toString(), 2,
+            failure->logValue(qv::FourChars("errC"))->toString().toInt()}));
+    QCOMPARE(failure->logValue(qv::FourChars("errT"))->toString(), scene.path());
+}
+
 void tst_ActionLog::userName_data()
 {
     QTest::addColumn<bool>("hasFileUser");
@@ -474,6 +529,18 @@ void tst_ActionLog::userName()
     scene.logText(QStringLiteral("one"));
     QTEST(scene.log().userName(), "name");
     QTEST(scene.log().entry(0)->user().value(), "name");
+}
+
+void tst_ActionLog::userNameIsThatOfOneVariable()
+{
+    Scene scene;
+    qunsetenv("USERNAME");
+    for (char const* other : {"username", "USERNAME2", "MYUSERNAME"})
+        qputenv(other, "somebody");
+    QString const name = scene.log().userName();
+    for (char const* other : {"username", "USERNAME2", "MYUSERNAME"})
+        qunsetenv(other);
+    QCOMPARE(name, QString());
 }
 
 void tst_ActionLog::unknownFileUserIsRefused()
