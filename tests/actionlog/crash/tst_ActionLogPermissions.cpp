@@ -5,6 +5,7 @@
 #include <qvbase/crash/SystemCalls.h>
 
 #include <QDir>
+#include <QRegularExpression>
 #include <QTest>
 
 #include <algorithm>
@@ -140,16 +141,18 @@ void tst_ActionLogPermissions::permissions_data()
     QTest::addColumn<int>("splitSize");
     QTest::addColumn<QString>("told");
     QTest::addColumn<bool>("isKept");
+    QTest::addColumn<bool>("isMovedAside");
     QByteArray const whole = wholeFile();
-    QTest::newRow("file that may only be read") << whole << 0444 << 0755 << 0 << "file 1, file 1" << true;
-    QTest::newRow("file that may not be read") << whole << 0200 << 0755 << 0 << "file 1" << false;
-    QTest::newRow("folder that may not be written") << whole << 0644 << 0555 << 0 << "" << false;
-    QTest::newRow("folder that may not be written, a split is due") << whole << 0644 << 0555 << 1 << "" << false;
+    QTest::newRow("file that may only be read") << whole << 0444 << 0755 << 0 << "file 1, file 1" << true << false;
+    QTest::newRow("file that may not be read") << whole << 0200 << 0755 << 0 << "file 1" << false << true;
+    QTest::newRow("folder that may not be written") << whole << 0644 << 0555 << 0 << "" << false << false;
+    QTest::newRow("folder that may not be written, a split is due")
+        << whole << 0644 << 0555 << 1 << "" << false << false;
     QTest::newRow("folder that may not be written, no file")
-        << QByteArray() << 0644 << 0555 << 0 << "file 1, file 1" << true;
+        << QByteArray() << 0644 << 0555 << 0 << "file 1, file 1" << true << false;
     QTest::newRow("folder that may not be written, damaged file")
-        << whole + "text" << 0644 << 0555 << 0 << "xml, xml" << true;
-    QTest::newRow("folder that may not be entered") << whole << 0644 << 0000 << 0 << "file 1, file 1" << true;
+        << whole + "text" << 0644 << 0555 << 0 << "xml, xml" << true << true;
+    QTest::newRow("folder that may not be entered") << whole << 0644 << 0000 << 0 << "file 1, file 1" << true << false;
 }
 
 void tst_ActionLogPermissions::permissions()
@@ -159,6 +162,7 @@ void tst_ActionLogPermissions::permissions()
     QFETCH(int, folderMode);
     QFETCH(int, splitSize);
     QFETCH(bool, isKept);
+    QFETCH(bool, isMovedAside);
     crash::Folder const folder;
     QString const path = folder.path(QStringLiteral("Trail.qvl"));
     if (!content.isEmpty()) {
@@ -189,6 +193,8 @@ void tst_ActionLogPermissions::permissions()
     QVector<int> const kept = entries::findAll(folder, Mode::Plain).indices.value(1);
     QVERIFY(kept.contains(3));
     QCOMPARE(kept.contains(1) && kept.contains(2), !isKept);
+    QRegularExpression const aside(QStringLiteral("^\\d{4}(-\\d\\d){2} \\d\\d(-\\d\\d){2} Trail\\.qvl\\.corrupt$"));
+    QCOMPARE(QDir(folder.path()).entryList(QDir::Files).filter(aside).size(), isMovedAside ? 1 : 0);
     // The end tag may have been taken off.
     QByteArray const old = content.chopped(qMin(content.size(), endTagSize));
     bool const isThere
