@@ -14,7 +14,13 @@ namespace qv {
 
 namespace {
 
-    ActionLogXmlException cannotBeReadBack()
+    /// Told as damage is, though no file is at fault.
+    class EntryRefusal : public ActionLogXmlException {
+    public:
+        using ActionLogXmlException::ActionLogXmlException;
+    };
+
+    EntryRefusal cannotBeReadBack()
     {
         QString const text
             = translated(QT_TRANSLATE_NOOP("ActionLog", "The entry is too large, or of a type that is not registered"));
@@ -70,6 +76,9 @@ bool ActionLog::Private::tryToLog(LogEntry const& entry)
         tell(failure);
         bool const isHeader = failure.type() == ActionLogFileException::InvalidHeader;
         return !moveBadAside(isHeader ? ".qvl.invalidHeader" : ".qvl.corrupt");
+    } catch (EntryRefusal const& failure) {
+        tell(failure);
+        return true;
     } catch (ActionLogXmlException const& failure) {
         tell(failure);
         return !moveBadAside(".qvl.corrupt");

@@ -21,6 +21,8 @@ private slots:
     void movesNothing_data();
     void movesNothing();
     void refusesWhatCannotBeReadBack();
+    void refusedEntryMovesNoFile_data();
+    void refusedEntryMovesNoFile();
     void credentials_data();
     void credentials();
     void endTagIsWrittenOnlyByWhoWrote();
@@ -180,6 +182,26 @@ void tst_ActionLogFiles::refusesWhatCannotBeReadBack()
     QCOMPARE(scene.bytes(), before);
     scene.logText(QStringLiteral("two"));
     QCOMPARE(scene.texts(), QStringList({QStringLiteral("one"), QStringLiteral("two")}));
+}
+
+void tst_ActionLogFiles::refusedEntryMovesNoFile_data()
+{
+    QTest::addColumn<QByteArray>("bad");
+    QTest::newRow("another version") << scene::header(QStringLiteral("/Trail.qvl"), "2026-11-21T10:11:12", "v9");
+    QTest::newRow("damaged") << scene::header(QStringLiteral("/Trail.qvl")) + "</Other>";
+}
+
+/// Although the file was found bad when it was read last.
+void tst_ActionLogFiles::refusedEntryMovesNoFile()
+{
+    QFETCH(QByteArray, bad);
+    Scene scene;
+    scene.hold(bad);
+    scene.log().readLog();
+    scene.told.clear();
+    scene.logText(QString(17 * 1024 * 1024, 'x'));
+    QCOMPARE(scene.told, QStringList({QStringLiteral("errorXml line 0")}));
+    QCOMPARE(scene.files(), QStringList({QStringLiteral("Trail.qvl")}));
 }
 
 void tst_ActionLogFiles::credentials_data()
