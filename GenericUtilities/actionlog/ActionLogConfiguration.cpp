@@ -61,7 +61,7 @@ namespace {
 
     QFileInfo loadFile(IPersistDestination const& from, QFileInfo const& otherwise)
     {
-        if (from.value(isDefaultPathKey, isDefault(otherwise)).toBool())
+        if (from.value(isDefaultPathKey, false).toBool())
             return ActionLog::defaultFileInfo();
         QString const path = pathFrom(from.value(pathKey, QString()).toString());
         return path.isEmpty() ? otherwise : QFileInfo(path);
