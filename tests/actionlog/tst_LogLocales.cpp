@@ -82,7 +82,7 @@ void TestLogLocales::workedExample()
                           "<Entries Version=\"v0.1\" LogFile=\"/var/log/gate.qvl\" Date=\"2020-02-29T15:04:00\""
                           " ApplicationVersion=\"4.2\">"
                           "<Entry ID=\"ExpR\" Time=\"29 Feb 2020 15:04:56\" User=\"ann (Ann &amp; Bob)\""
-                          " Text=\"'%1%2' to '%1%3'.\" path=\"/mnt/\" src=\"a.mp4\" dest=\"b.mp4\"/>"
+                          " Text=\"'/mnt/a.mp4' to '/mnt/b.mp4'.\" path=\"/mnt/\" src=\"a.mp4\" dest=\"b.mp4\"/>"
                           "<Entry ID=\"ALog\" Time=\"29 Feb 2020 15:04:56\" filO=\"/var/log/gate.qvl\""
                           " filN=\"/var/log/yard.qvl\"/>";
     expected.replace("29 Feb 2020 15:04:56", m_here.written.toUtf8());
@@ -93,7 +93,7 @@ void TestLogLocales::workedExample()
     ExportRenameLogEntry rename;
     rename.time().setValue(moment(2020, 56));
     rename.user().setValue(QStringLiteral("ann (Ann & Bob)"));
-    rename.text.setValue(QStringLiteral("'%1%2' to '%1%3'."));
+    rename.text.setValue(QStringLiteral("'/mnt/a.mp4' to '/mnt/b.mp4'."));
     rename.path.setValue(QStringLiteral("/mnt/"));
     rename.source.setValue(QStringLiteral("a.mp4"));
     rename.dest.setValue(QStringLiteral("b.mp4"));
