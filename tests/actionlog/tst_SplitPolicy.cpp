@@ -115,6 +115,7 @@ void tst_SplitPolicy::names_data()
     QTest::newRow("daily, the year is that of the day, the week that of its year")
         << SplitDaily << noon(2027, 1, 1) << "2027-53-01 Trail";
     QTest::newRow("weekly") << SplitWeekly << noon(2026, 11, 21) << "2026-47 Trail";
+    QTest::newRow("weekly, the year is that of the day, too") << SplitWeekly << noon(2027, 1, 1) << "2027-53 Trail";
     QTest::newRow("monthly") << SplitMonthly << noon(2026, 11, 21) << QStringLiteral("2026-%1 Trail").arg(november);
     QTest::newRow("by size: now, and the application")
         << SplitBySize << noon(2026, 11, 21) << "2026-12-31 12-00-00 Viewer";
