@@ -7,6 +7,7 @@
 #include <QTest>
 
 #include <cerrno>
+#include <functional>
 
 using qv::ActionLog;
 using scene::Scene;
@@ -44,12 +45,16 @@ std::unique_ptr<qv::FileUserLogon> knowNobody(QString const&, QString const&, QS
     return nullptr;
 }
 
+using Operation = std::function<void(Scene&)>;
+
 QStringList added(int row)
 {
     return {QStringLiteral("adding %1 %1 of %1").arg(row), QStringLiteral("added %1 %1 of %2").arg(row).arg(row + 1)};
 }
 
 } // namespace
+
+Q_DECLARE_METATYPE(Operation)
 
 /// The instance, the list with its signals, and who is logging.
 class tst_ActionLog : public QObject {
@@ -68,6 +73,8 @@ private slots:
     void damageIsListedAndTold();
     void damageIsListedWhereTheFileIsToBeExtended();
     void damageIsToldWhileEntriesWait();
+    void damageIsThrownByNothingElse_data();
+    void damageIsThrownByNothingElse();
     void deletesRuns();
     void removesAll();
     void backsUp();
@@ -274,6 +281,42 @@ void tst_ActionLog::damageIsToldWhileEntriesWait()
     scene.log().setDurability(qv::DurabilityFlush);
     scene.logText(QStringLiteral("new"));
     QCOMPARE(scene.texts(), QStringList({QStringLiteral("waiting"), QStringLiteral("new")}));
+}
+
+void tst_ActionLog::damageIsThrownByNothingElse_data()
+{
+    QTest::addColumn<Operation>("operation");
+    auto const row = [](char const* name, Operation const& operation) { QTest::newRow(name) << operation; };
+    row("log", [](Scene& scene) { scene.logText(QStringLiteral("new")); });
+    row("readLog", [](Scene& scene) { scene.log().readLog(); });
+    row("removeAllLogEntries", [](Scene& scene) { scene.log().removeAllLogEntries(); });
+    row("backupEntries", [](Scene& scene) {
+        QList<qv::LogEntry*> entries = scene.log().entries();
+        scene.log().backupEntries(entries, scene.path(QStringLiteral("Backup.qvl")));
+    });
+    row("switchFileHandle",
+        [](Scene& scene) { scene.log().switchFileHandle(scene.path(QStringLiteral("Other.qvl"))); });
+    row("setFileInfo", [](Scene& scene) { scene.log().setFileInfo(ActionLog::defaultFileInfo()); });
+    row("setFileUserPassword", [](Scene& scene) { scene.log().setFileUserPassword({}, QStringLiteral("horse")); });
+    row("setDurability", [](Scene& scene) { scene.log().setDurability(qv::DurabilityData); });
+    row("deleteActionLog", [](Scene&) { ActionLog::deleteActionLog(); });
+}
+
+/// Whether the file was damaged while entries waited to be written or not.
+void tst_ActionLog::damageIsThrownByNothingElse()
+{
+    QFETCH(Operation, operation);
+    for (qv::EDurability const durability : {qv::DurabilityNone, qv::DurabilityFlush}) {
+        Scene scene;
+        scene.log().setDurability(durability);
+        scene.logText(QStringLiteral("one"));
+        scene.hold(scene::header(scene.path()) + "<Entry </Entries>");
+        operation(scene);
+        ActionLog::deleteActionLog();
+        bool const isKept = scene.files().filter(QStringLiteral(".corrupt")).size() == 1
+            || scene.bytes().contains("<Entry </Entries>");
+        QVERIFY(isKept);
+    }
 }
 
 void tst_ActionLog::deletesRuns()
