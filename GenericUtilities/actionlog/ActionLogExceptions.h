@@ -25,7 +25,7 @@ public:
     /// Told by a signal; never renumber.
     enum eType {
         CouldNotOpen = 1,
-        InvalidHeader = 4 ///< of another version, for other credentials, or of no log file
+        InvalidHeader = 4 ///< of another version or for other credentials
     };
 
     ActionLogFileException(QString const& message, QString const& file, eType type);
