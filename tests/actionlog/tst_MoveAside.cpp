@@ -5,6 +5,7 @@
 #include <qvbase/crash/SystemCalls.h>
 
 #include <QTest>
+#include <QTextCodec>
 
 #include <cerrno>
 
@@ -20,6 +21,8 @@ class tst_MoveAside : public QObject {
     Q_OBJECT
 
 private slots:
+    // Names are counted in the bytes of the file system, whatever the locale of the tests.
+    void initTestCase() { QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8")); }
     void names_data();
     void names();
     void movesWithinTheFolder();
@@ -60,8 +63,6 @@ void tst_MoveAside::names()
     QFETCH(QString, stem);
     QFETCH(QString, suffix);
     QFETCH(int, attempt);
-    if (QFile::decodeName(QFile::encodeName(stem)) != stem)
-        return; // this locale has no such names
     QTEST((AsideName{stem, suffix}.fileName(attempt)), "fileName");
 }
 
