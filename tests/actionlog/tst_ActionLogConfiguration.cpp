@@ -6,6 +6,7 @@
 
 #include <QPair>
 #include <QTest>
+#include <QTextCodec>
 #include <QVariant>
 
 using scene::Scene;
@@ -73,6 +74,8 @@ private slots:
     void paths();
     void passwords_data();
     void passwords();
+    void passwordIsInTheSystemsEncoding_data();
+    void passwordIsInTheSystemsEncoding();
     void loads();
     void loadsTheDefaultPath();
     void pathAloneCounts();
@@ -171,6 +174,31 @@ void tst_ActionLogConfiguration::passwords()
     Record again;
     scene.log().save(&again);
     QCOMPARE(again.values.at(3).second.toByteArray(), QByteArray(loaded.toLocal8Bit().toBase64()));
+}
+
+void tst_ActionLogConfiguration::passwordIsInTheSystemsEncoding_data()
+{
+    QTest::addColumn<QByteArray>("encoding");
+    QTest::addColumn<QByteArray>("stored");
+    QTest::newRow("UTF-8") << QByteArray("UTF-8") << QByteArray("dHLDpHVt");
+    QTest::newRow("Latin-1") << QByteArray("ISO-8859-1") << QByteArray("dHLkdW0=");
+}
+
+void tst_ActionLogConfiguration::passwordIsInTheSystemsEncoding()
+{
+    QFETCH(QByteArray, encoding);
+    QFETCH(QByteArray, stored);
+    Scene scene(QStringLiteral(u"tr\u00E4um"));
+    scene.logText(QStringLiteral("one"));
+    Record record;
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName(encoding));
+    scene.log().save(&record);
+    qv::ActionLog::deleteActionLog();
+    scene.log().load(&record);
+    QTextCodec::setCodecForLocale(nullptr);
+    QCOMPARE(record.values.at(3).second.toByteArray(), stored);
+    scene.logText(QStringLiteral("two"));
+    QCOMPARE(scene.texts(), QStringList({QStringLiteral("one"), QStringLiteral("two")}));
 }
 
 void tst_ActionLogConfiguration::loads()
