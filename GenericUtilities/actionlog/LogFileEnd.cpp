@@ -179,15 +179,21 @@ namespace {
 LogFileEnd findLogFileEnd(QIODevice& device)
 {
     LogFileEnd end = {LogFileEnd::Open, device.size()};
-    if (beginsAsLogFile(device) && device.seek(qMax<qint64>(0, end.offset - TailBytes))
-        && readTail(device.read(TailBytes), end))
-        return end;
-    device.seek(0);
-    return scanLogFileEnd(device);
+    if (beginsAsLogFile(device)) {
+        qint64 const start = qMax<qint64>(0, end.offset - TailBytes);
+        QByteArray const tail = device.seek(start) ? device.read(end.offset - start) : QByteArray();
+        // What ends before the file does shows no end of it.
+        if (start + tail.size() < end.offset)
+            return {LogFileEnd::Unreadable, start + tail.size()};
+        if (readTail(tail, end))
+            return end;
+    }
+    return device.seek(0) ? scanLogFileEnd(device) : LogFileEnd{LogFileEnd::Unreadable, 0};
 }
 
 LogFileEnd scanLogFileEnd(QIODevice& device)
 {
+    qint64 const expected = device.isSequential() ? 0 : device.size() - device.pos();
     EndFinder finder;
     std::array<char, TailBytes> block;
     qint64 offset = 0;
@@ -197,7 +203,8 @@ LogFileEnd scanLogFileEnd(QIODevice& device)
             finder.scan(block[static_cast<std::size_t>(i)]);
         offset += size;
     }
-    return size < 0 ? LogFileEnd{LogFileEnd::Unreadable, offset} : finder.end();
+    bool const isShort = !finder.isDamaged() && (size < 0 || offset < expected);
+    return isShort ? LogFileEnd{LogFileEnd::Unreadable, offset} : finder.end();
 }
 
 } // namespace qv

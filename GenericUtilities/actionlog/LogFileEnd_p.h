@@ -19,12 +19,12 @@ struct LogFileEnd {
         Ended, ///< an end tag: the next entry takes its place
         Torn, ///< a crash left half a header, half an entry, or bytes that no file holds
         Damaged, ///< no log file, or not well-formed before the end
-        Unreadable ///< the device failed, as its errorString() tells
+        Unreadable ///< the device failed, or gave fewer bytes than its size() says
     };
     Kind kind = Empty;
     /// Byte from the start of the plain file behind which nothing whole stands: what follows is to be cut (Ended), kept
-    /// aside and cut (Torn; at 0 the file is then to be begun), or the piece in which the fault is (Damaged,
-    /// Unreadable).
+    /// aside and cut (Torn; at 0 the file is then to be begun), the piece in which the fault is (Damaged), or could not
+    /// be read (Unreadable).
     qint64 offset = 0;
 
     bool operator==(LogFileEnd const& other) const { return kind == other.kind && offset == other.offset; }

@@ -8,6 +8,8 @@
 #include <QBuffer>
 #include <QTest>
 
+#include <limits>
+
 using namespace qv;
 using document::header;
 
@@ -47,13 +49,15 @@ class Device : public QBuffer {
 public:
     using QBuffer::QBuffer;
     qint64 bytesRead = 0;
-    bool isBroken = false;
+    qint64 readable = std::numeric_limits<qint64>::max(); ///< From here on it gives what is next.
+    qint64 then = -1;
 
 protected:
     qint64 readData(char* data, qint64 maxSize) override
     {
-        qint64 const size = isBroken ? -1 : QBuffer::readData(data, maxSize);
-        bytesRead += size;
+        qint64 const left = readable - pos();
+        qint64 const size = left > 0 ? QBuffer::readData(data, qMin(left, maxSize)) : then;
+        bytesRead += qMax<qint64>(size, 0);
         return size;
     }
 };
@@ -84,6 +88,7 @@ private slots:
     void largeFileIsNotScanned_data();
     void largeFileIsNotScanned();
     void largeLastEntry();
+    void deviceThatFails_data();
     void deviceThatFails();
 };
 
@@ -242,14 +247,40 @@ void TestLogFileEnd::largeLastEntry()
     QCOMPARE(found(bytes.chopped(1)), (LogFileEnd{LogFileEnd::Torn, (header() + A).size()}));
 }
 
+void TestLogFileEnd::deviceThatFails_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<int>("readable");
+    QTest::addColumn<int>("then");
+    QByteArray const entries = header() + A + B;
+    QByteArray const many = header() + A.repeated(100000);
+    // Read up to there, each of them seems to end well, or as a crash leaves it.
+    for (auto const& [name, then] : {std::pair("fails", -1), std::pair("ends", 0)}) {
+        QTest::addRow("%s at once", name) << entries << 0 << then;
+        QTest::addRow("%s within the header", name) << entries << 20 << then;
+        QTest::addRow("%s behind an entry", name) << entries << (header() + A).size() << then;
+        QTest::addRow("%s within an entry", name) << entries << entries.size() - 5 << then;
+        QTest::addRow("%s before the end tag", name) << entries + document::End << entries.size() << then;
+        QTest::addRow("%s in the last bytes of many", name) << many << many.size() - 3 * A.size() << then;
+        QTest::addRow("%s within a large entry", name)
+            << entries + "<Entry Text=\"" + QByteArray(40000, 'x') + "\"/>" << entries.size() + 30000 << then;
+    }
+}
+
 void TestLogFileEnd::deviceThatFails()
 {
+    QFETCH(QByteArray, bytes);
+    QFETCH(int, readable);
+    QFETCH(int, then);
     Device device;
-    device.setData(header() + A + B);
+    device.setData(bytes);
     device.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
-    device.isBroken = true;
-    QCOMPARE(findLogFileEnd(device).kind, LogFileEnd::Unreadable);
-    QCOMPARE(scanLogFileEnd(device).kind, LogFileEnd::Unreadable);
+    device.readable = readable;
+    device.then = then;
+    LogFileEnd const expected = {LogFileEnd::Unreadable, readable};
+    QCOMPARE(findLogFileEnd(device), expected);
+    QVERIFY(device.seek(0));
+    QCOMPARE(scanLogFileEnd(device), expected);
 }
 
 QTEST_APPLESS_MAIN(TestLogFileEnd)

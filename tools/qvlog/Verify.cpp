@@ -33,6 +33,8 @@ void requireWholeEnd(LogFile& file)
     qv::LogFileEnd const end = qv::scanLogFileEnd(file.device());
     if (end.kind == qv::LogFileEnd::Torn)
         throw DamageException(QStringLiteral("byte %1: the last entry is incomplete").arg(end.offset));
+    if (end.kind == qv::LogFileEnd::Unreadable)
+        throw RefusalException(QStringLiteral("it cannot be read from byte %1 on").arg(end.offset));
 }
 
 /// @p content tells what was read, whatever is thrown.
