@@ -172,7 +172,7 @@ void LogFile::readHeader(FileEncrypt& file)
 void LogFile::append(QByteArray const& entry)
 {
     if (m_durability == DurabilityNone && m_waiting.size() + entry.size() <= maxWaitingBytes)
-        m_waiting += entry;
+        m_waiting.add(entry);
     else
         writeWaiting(entry);
 }
@@ -187,7 +187,7 @@ void LogFile::flush()
 
 void LogFile::writeWaiting(QByteArray const& more)
 {
-    QByteArray const bytes = m_waiting + more;
+    QByteArray const bytes = m_waiting.bytes() + more;
     if (bytes.isEmpty())
         return;
     makeReady();

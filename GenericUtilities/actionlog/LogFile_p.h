@@ -8,6 +8,7 @@
 #include <GenericUtilities/actionlog/LogFileContent_p.h>
 #include <GenericUtilities/actionlog/LogFileEnd_p.h>
 #include <GenericUtilities/actionlog/MoveAside_p.h>
+#include <GenericUtilities/actionlog/WaitingEntries_p.h>
 #include <qvbase/FileEncrypt.h>
 
 #include <QByteArray>
@@ -114,7 +115,7 @@ private:
     QDateTime m_date;
     LogFileEnd m_end;
     qint64 m_size = -1; // where the file ended when it was last seen; -1 unknown
-    QByteArray m_waiting; // entries that were taken but not written
+    WaitingEntries m_waiting;
     FileIdentity m_identity; // of the file that was bad or is to be opened
     bool m_isBad = false;
 };

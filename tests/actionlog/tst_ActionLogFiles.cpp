@@ -4,6 +4,8 @@
 #include <QTest>
 
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using scene::Scene;
 
@@ -28,6 +30,8 @@ private slots:
     void endTagIsWrittenOnlyByWhoWrote();
     void unfinishedFileIsReadAsItIs();
     void durabilityNoneCollects();
+    void forkedChildWritesItsOwn_data();
+    void forkedChildWritesItsOwn();
 };
 
 void tst_ActionLogFiles::beginsAndEndsAFile()
@@ -272,6 +276,52 @@ void tst_ActionLogFiles::durabilityNoneCollects()
     qv::ActionLog::deleteActionLog();
     QCOMPARE(scene.texts(), QStringList(both) << QString(70000, 'x') << QStringLiteral("last"));
     QVERIFY(scene.bytes().endsWith(scene::endTag));
+}
+
+void tst_ActionLogFiles::forkedChildWritesItsOwn_data()
+{
+    QTest::addColumn<QString>("password");
+    QTest::addColumn<QStringList>("before");
+    QTest::addColumn<QStringList>("byChild");
+    for (auto const& [kind, password] : {std::pair("plain", ""), std::pair("encrypted", "correct horse")}) {
+        auto const row = [kind = kind, password = password](
+                             char const* name, QStringList const& before, QStringList const& byChild) {
+            QTest::addRow("%s, %s", kind, name) << password << before << byChild;
+        };
+        row("child logs nothing", {}, {});
+        row("child logs", {}, {QStringLiteral("three"), QStringLiteral("four")});
+        row("child logs what is written at once", {}, {QString(70000, 'x')});
+        row("child goes on in a file", {QStringLiteral("zero")}, {QStringLiteral("three")});
+    }
+}
+
+/// What waits in the parent when it forks is the parent's to write.
+void tst_ActionLogFiles::forkedChildWritesItsOwn()
+{
+    QFETCH(QString, password);
+    QFETCH(QStringList, before);
+    QFETCH(QStringList, byChild);
+    Scene scene(password);
+    for (QString const& text : qAsConst(before))
+        scene.logText(text);
+    scene.log().setDurability(qv::DurabilityNone);
+    scene.logText(QStringLiteral("one"));
+    scene.logText(QStringLiteral("two"));
+    pid_t const child = ::fork();
+    if (child == 0) {
+        for (QString const& text : qAsConst(byChild))
+            scene.logText(text);
+        qv::ActionLog::deleteActionLog();
+        ::_exit(0);
+    }
+    int status = -1;
+    QCOMPARE(::waitpid(child, &status, 0), child);
+    QCOMPARE(status, 0);
+    QCOMPARE(scene.texts(), before + byChild);
+    scene.logText(QStringLiteral("five"));
+    qv::ActionLog::deleteActionLog();
+    QStringList const byParent = {QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("five")};
+    QCOMPARE(scene.texts(), before + byChild + byParent);
 }
 
 QTEST_GUILESS_MAIN(tst_ActionLogFiles)
