@@ -289,14 +289,36 @@ void EncryptedFile::sync()
     require(!m_hasSyncFailed);
 }
 
-QByteArray EncryptedFile::anchor()
+Tail EncryptedFile::startTail() const
+{
+    Tail start;
+    start.tag = m_header.chainStart();
+    return start;
+}
+
+Tail EncryptedFile::tailWithin(qint64 size)
+{
+    if (size >= m_tail.tail.plainSize)
+        return m_tail.tail;
+    if (size <= 0)
+        return startTail();
+    GoodRecord const record = m_plain.recordAt(*m_reader, m_tail.tail, size - 1);
+    if (record.tail().plainSize == size)
+        return record.tail();
+    Tail before = Tail::before(record.header, record.offset);
+    before.tag = m_reader->tagBefore(record.offset);
+    return before;
+}
+
+QByteArray EncryptedFile::anchor(qint64 size)
 {
     refresh();
     if (!hasHeader())
         return {};
+    Tail const tail = tailWithin(size);
     QByteArray count(8, '\0');
-    qToLittleEndian(m_tail.tail.index, count.data());
-    auto const* const tag = reinterpret_cast<char const*>(m_tail.tail.tag.data());
+    qToLittleEndian(tail.index, count.data());
+    auto const* const tag = reinterpret_cast<char const*>(tail.tag.data());
     return bytesOf(m_header.fileId()) + count + QByteArray(tag, int(sizeof(Tag)));
 }
 
@@ -321,11 +343,8 @@ void EncryptedFile::enlarge(qint64 size)
 
 void EncryptedFile::shrink(qint64 size)
 {
-    if (size == 0) {
-        Tail start;
-        start.tag = m_header.chainStart();
-        return cutAt(start);
-    }
+    if (size == 0)
+        return cutAt(startTail());
     GoodRecord const record = m_plain.recordAt(*m_reader, m_tail.tail, size - 1);
     if (record.tail().plainSize == size)
         cutAt(record.tail());

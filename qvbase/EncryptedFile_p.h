@@ -41,7 +41,8 @@ public:
     void unlock() { m_file.unlock(); }
     /// How often another file had taken the path.
     int switches() const { return m_knownSwitches; }
-    QByteArray anchor();
+    /// Of the records within the first @p size plain bytes.
+    QByteArray anchor(qint64 size);
 
 private:
     bool hasHeader() const { return !m_header.isNull(); }
@@ -50,6 +51,9 @@ private:
     void adopt(FileHeader const& header, FileKeys const& keys);
     void forget();
     void refresh();
+    Tail startTail() const;
+    /// What follows the records within the first @p size plain bytes.
+    Tail tailWithin(qint64 size);
 
     /// Under the lock: brings header, tail and session up to what the file is now, and repairs its end.
     void settle();

@@ -9,6 +9,7 @@
 #include <QFileInfo>
 
 #include <fcntl.h>
+#include <limits>
 #include <optional>
 #include <unistd.h>
 
@@ -355,8 +356,13 @@ FileEncrypt::VerifyResult FileEncrypt::verify(QByteArray const& anchor)
 
 QByteArray FileEncrypt::anchor() const
 {
+    return anchor(std::numeric_limits<qint64>::max());
+}
+
+QByteArray FileEncrypt::anchor(qint64 size) const
+{
     try {
-        return m_d->file ? m_d->file->anchor() : QByteArray();
+        return m_d->file ? m_d->file->anchor(size) : QByteArray();
     } catch (Failure const&) {
         return {};
     }

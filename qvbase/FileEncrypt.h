@@ -95,6 +95,8 @@ public:
     /// open. Kept elsewhere, it shows what the file alone cannot: its end cut between two records, an older copy in its
     /// place.
     QByteArray anchor() const;
+    /// The same of the records within the first @p size plain bytes: what follows may then be cut or changed.
+    QByteArray anchor(qint64 size) const;
 
 protected:
     qint64 readData(char* data, qint64 maxSize) override;

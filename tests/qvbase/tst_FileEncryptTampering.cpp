@@ -52,6 +52,8 @@ private slots:
     void anchorFinds_data();
     void anchorFinds();
     void anchorStaysValidAsTheFileGrows();
+    void anchorOfTheStart_data();
+    void anchorOfTheStart();
 
 private:
     QString name() const { return m_folder->filePath(QStringLiteral("log.qvl")); }
@@ -287,6 +289,44 @@ void tst_FileEncryptTampering::anchorStaysValidAsTheFileGrows()
     QCOMPARE(int(encrypted::verified(name(), before).result), int(Verified::Intact));
     QCOMPARE(int(encrypted::verified(name(), file->anchor()).result), int(Verified::Intact));
     QCOMPARE(int(encrypted::verified(name(), "no anchor").result), int(Verified::RecordDamaged));
+}
+
+void tst_FileEncryptTampering::anchorOfTheStart_data()
+{
+    QTest::addColumn<qint64>("size");
+    QTest::addColumn<int>("records");
+    // The first record is that of the session, the next ones hold "entry 1\n", "entry 2\n" ...
+    auto const row = [](char const* name, qint64 size, int records) { QTest::newRow(name) << size << records; };
+    row("nothing", 0, 0);
+    row("less than nothing", -1, 0);
+    row("within the first text", 7, 1);
+    row("the first text", 8, 2);
+    row("within the second text", 9, 2);
+    row("two texts", 16, 3);
+    row("all but a byte", textUpTo(recordCount).size() - 1, recordCount - 1);
+    row("all", textUpTo(recordCount).size(), recordCount);
+    row("more than all", textUpTo(recordCount).size() + 1, recordCount);
+}
+
+void tst_FileEncryptTampering::anchorOfTheStart()
+{
+    QFETCH(qint64, size);
+    QFETCH(int, records);
+    encrypted::setRawBytes(name(), m_file);
+    auto const file = encrypted::device(name());
+    QVERIFY(file->open(QIODevice::Append));
+    QByteArray const anchor = file->anchor(size);
+    QCOMPARE(int(anchor.at(32)), int(char(records)));
+    QCOMPARE(anchor.size(), 56);
+    // What follows may change.
+    QVERIFY(file->resize(qBound(qint64(0), size, file->size())));
+    QCOMPARE(file->write("other"), qint64(5));
+    QCOMPARE(int(encrypted::verified(name(), anchor).result), int(Verified::Intact));
+    if (records < 2)
+        return;
+    QByteArray const shorter = encrypted::joined(m_file, m_records.mid(0, records - 1));
+    encrypted::setRawBytes(name(), shorter);
+    QCOMPARE(int(encrypted::verified(name(), anchor).result), int(Verified::RecordDamaged));
 }
 
 QTEST_GUILESS_MAIN(tst_FileEncryptTampering)
