@@ -136,10 +136,11 @@ void LogFile::look()
     if (size > 0) {
         auto const file = newReader();
         m_end = findLogFileEnd(*file);
-        if (file->hasFailed() || !isPlausible(m_end, size))
-            refuse(*file);
-        if (m_end.kind == LogFileEnd::Damaged)
+        bool const isUnread = file->hasFailed() || !isPlausible(m_end, size);
+        if (m_end.kind == LogFileEnd::Damaged || (isUnread && isDamaged(*file)))
             refuseDamaged();
+        if (isUnread)
+            refuse(*file);
         if (m_end.kind == LogFileEnd::Torn)
             keepTorn(*file);
         if (isBegun())

@@ -27,6 +27,8 @@ private slots:
     void refusedEntryMovesNoFile();
     void credentials_data();
     void credentials();
+    void tampering_data();
+    void tampering();
     void endTagIsWrittenOnlyByWhoWrote();
     void unfinishedFileIsReadAsItIs();
     void durabilityNoneCollects();
@@ -235,6 +237,34 @@ void tst_ActionLogFiles::credentials()
     QCOMPARE(scene.bytes(aside), before);
     QCOMPARE(scene.texts(aside), QStringList({QStringLiteral("kept")}));
     QCOMPARE(scene.listed(), QStringList({QStringLiteral("new")}));
+}
+
+void tst_ActionLogFiles::tampering_data()
+{
+    QTest::addColumn<int>("entries");
+    QTest::addColumn<int>("offset");
+    QTest::newRow("within what is looked at to extend the file") << 30 << 2000;
+    QTest::newRow("far before") << 300 << 2000;
+}
+
+void tst_ActionLogFiles::tampering()
+{
+    QFETCH(int, entries);
+    QFETCH(int, offset);
+    Scene scene(QStringLiteral("correct horse"));
+    for (int i = 0; i < entries; ++i)
+        scene.logText(QString::number(i));
+    qv::ActionLog::deleteActionLog();
+    QByteArray bytes = scene.bytes();
+    bytes[offset] = char(bytes.at(offset) ^ 1);
+    scene.hold(bytes);
+    scene.begin();
+    scene.logText(QStringLiteral("new"));
+    QCOMPARE(scene.told,
+        QStringList(
+            {QStringLiteral("errorXml line 1"), QStringLiteral("adding 0 0 of 0"), QStringLiteral("added 0 0 of 1")}));
+    QCOMPARE(scene.bytes(QStringLiteral("2026-11-21 10-11-12 Trail.qvl.corrupt")), bytes);
+    QCOMPARE(scene.texts(), QStringList({QStringLiteral("new")}));
 }
 
 void tst_ActionLogFiles::endTagIsWrittenOnlyByWhoWrote()
