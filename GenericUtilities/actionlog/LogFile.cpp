@@ -76,8 +76,17 @@ std::unique_ptr<FileEncrypt> LogFile::newDevice(QString const& path) const
     return device;
 }
 
+/// A pipe would keep us waiting for who is at its other end, and some devices have no end.
+void LogFile::requireFile() const
+{
+    QFileInfo const info(m_path);
+    if (info.exists() && !info.isFile())
+        throw couldNotOpen();
+}
+
 std::unique_ptr<LogFileReader> LogFile::newReader()
 {
+    requireFile();
     auto file = std::make_unique<LogFileReader>(m_path);
     file->setFileUserPassword(m_user, m_password);
     if (!file->open(QIODevice::ReadOnly))
@@ -88,10 +97,7 @@ std::unique_ptr<LogFileReader> LogFile::newReader()
 void LogFile::open()
 {
     m_identity = FileIdentity::of(m_path);
-    QFileInfo const info(m_path);
-    // A pipe without a reader would keep us waiting.
-    if (info.exists() && !info.isFile())
-        throw couldNotOpen();
+    requireFile();
     auto device = newDevice(m_path);
     if (!device->open(QIODevice::Append))
         refuse(*device);

@@ -82,6 +82,7 @@ public:
     LogFileHeader newHeader(QString const& path) const;
 
 private:
+    void requireFile() const;
     void open();
     void look();
     void refuseDamaged();

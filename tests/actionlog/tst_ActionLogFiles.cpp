@@ -31,6 +31,8 @@ private slots:
     void tampering();
     void endTagIsWrittenOnlyByWhoWrote();
     void unfinishedFileIsReadAsItIs();
+    void onlyFilesAreRead_data();
+    void onlyFilesAreRead();
     void durabilityNoneCollects();
     void forkedChildWritesItsOwn_data();
     void forkedChildWritesItsOwn();
@@ -287,6 +289,26 @@ void tst_ActionLogFiles::unfinishedFileIsReadAsItIs()
     QCOMPARE(scene.listed(), QStringList({QStringLiteral("one")}));
     QCOMPARE(scene.told, QStringList({QStringLiteral("adding 0 0 of 0"), QStringLiteral("added 0 0 of 1")}));
     QCOMPARE(scene.bytes(), before);
+}
+
+void tst_ActionLogFiles::onlyFilesAreRead_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("a directory") << "Folder";
+    QTest::newRow("a pipe that nobody writes") << "Pipe";
+    QTest::newRow("a device without an end") << "/dev/full";
+}
+
+void tst_ActionLogFiles::onlyFilesAreRead()
+{
+    QFETCH(QString, path);
+    Scene scene;
+    QDir(scene.path({})).mkdir(QStringLiteral("Folder"));
+    QCOMPARE(::mkfifo(QFile::encodeName(scene.path(QStringLiteral("Pipe"))).constData(), 0600), 0);
+    scene.log().setFileInfo(QFileInfo(QDir(scene.path({})), path));
+    QVERIFY(!scene.log().readEntries(QIODevice::ReadOnly));
+    scene.log().readLog();
+    QCOMPARE(scene.told, QStringList({QStringLiteral("errorFile %1 1").arg(QFileInfo(path).fileName())}));
 }
 
 void tst_ActionLogFiles::durabilityNoneCollects()
