@@ -72,8 +72,9 @@ public:
     /// salt, "$" and 32 bytes of hash, both in Base64 without padding. Takes 32 MiB and some tenths of a second. The
     /// whole password counts, as UTF-8. Empty where libcrypto has no random numbers or no memory.
     static QString hashPassword(QString const& password);
-    /// Whether @p hash was made from @p password, at whatever cost up to four times hashPassword()'s and 128 MiB. False
-    /// for any text that is no such hash or asks for more. How long it takes does not tell where the hashes differ.
+    /// Whether @p hash was made from @p password, at whatever cost up to a table of 128 MiB and some five times the
+    /// work of hashPassword(). False for any text that is no such hash or asks for more. How long it takes does not
+    /// tell where the hashes differ.
     static bool verifyPassword(QString const& password, QString const& hash);
 
     /// The least significant byte first. Bytes beyond the end read as 0.

@@ -19,6 +19,7 @@ namespace {
     constexpr int derivedLength = 32;
     constexpr quint64 maxMemory = Q_UINT64_C(128) << 20; // bytes that scrypt's table takes, 128 * r * N
     constexpr quint64 maxWork = Q_UINT64_C(4) << 20; // N * r * p; as tables of that cost take seconds
+    constexpr quint64 maxBlocks = Q_UINT64_C(1) << 16; // r * p; 128 bytes each, slow to make: a second for all
     constexpr int maxTextLength = 256; // characters of a stored hash
 
     /// The parameters of RFC 7914, with N as its binary logarithm.
@@ -30,7 +31,8 @@ namespace {
         quint64 n() const { return Q_UINT64_C(1) << logN; }
         bool isAcceptable() const
         {
-            return logN >= 1 && logN <= 20 && r >= 1 && p >= 1 && 128 * r * n() <= maxMemory && n() * r * p <= maxWork;
+            return logN >= 1 && logN <= 20 && r >= 1 && p >= 1 && r * p <= maxBlocks && 128 * r * n() <= maxMemory
+                && n() * r * p <= maxWork;
         }
     };
 

@@ -28,6 +28,8 @@ private slots:
     void hashOfAnotherProgram();
     void shortPasswordAtLowCost_data();
     void shortPasswordAtLowCost();
+    void costsAtTheLimits_data();
+    void costsAtTheLimits();
     void otherTextIsRefused_data();
     void otherTextIsRefused();
     void changedHashIsRefused();
@@ -96,6 +98,28 @@ void tst_PasswordHash::shortPasswordAtLowCost()
     QFETCH(QString, hash);
     QVERIFY(Crypt::verifyPassword("p", hash));
     QVERIFY(!Crypt::verifyPassword("q", hash));
+}
+
+void tst_PasswordHash::costsAtTheLimits_data()
+{
+    QTest::addColumn<QString>("hash"); // made likewise: no other reason to refuse it
+    QTest::addColumn<bool>("isAccepted");
+
+    QTest::newRow("table of 128 MiB") << "$scrypt$ln=17,r=8,p=1$c2FsdHNhbHQ$LkN2v4U4d51S+wwhY8QA9LOv3NI8L+w9JkiZqRo9xpo"
+                                      << true;
+    QTest::newRow("table of 144 MiB") << "$scrypt$ln=17,r=9,p=1$c2FsdHNhbHQ$2FBEdDVpGaUUME8YNu0jyROuocOcr39X6R/IK5wcHr0"
+                                      << false;
+    // The many small blocks of a high p take the longest, much longer than their tables.
+    QTest::newRow("more blocks than a second makes")
+        << "$scrypt$ln=1,r=1,p=65537$c2FsdHNhbHQ$aRmmsg5yJOd7fuRMOxy0ZIb7C//XqdDqOgfMp3t/M1E" << false;
+    QTest::newRow("work beyond seconds")
+        << "$scrypt$ln=10,r=8,p=513$c2FsdHNhbHQ$78Tjb7gqrXeqXF1bNkHe/WYSZCgyqqwZRu2zvvW+SM0" << false;
+}
+
+void tst_PasswordHash::costsAtTheLimits()
+{
+    QFETCH(QString, hash);
+    QTEST(Crypt::verifyPassword("p", hash), "isAccepted");
 }
 
 void tst_PasswordHash::otherTextIsRefused_data()
