@@ -22,7 +22,7 @@ namespace qvgen {
 /// count by their Latin-1 bytes (anything else as "?"), of which the DES hashes see the low seven bits of the first
 /// eight. Nothing here reports errors but where said; pointers must not be null. All operations are reentrant but
 /// crypt_sll(). Keys, schedules and copies of passwords are wiped from memory; the caller's own texts are not, nor what
-/// SetDESKey() returns.
+/// SetDESKey() returns, nor what OpenSSL's DES_crypt (crypt_sll()) and Qt's MD5 (md5()) keep while they work.
 class GENERICUTILITIES_EXPORT Crypt {
 public:
     /// Key schedule and salt of the reentrant operations: the caller's, one per thread, wiped when it dies.

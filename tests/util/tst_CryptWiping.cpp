@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <malloc.h>
@@ -169,6 +170,8 @@ void tst_CryptWiping::nothingIsLeft_data()
         Crypt::setkey_r(&schedule, secrets()[2].constData());
     });
     QTest::newRow("access line") << Operation([] { Crypt::cameraUserAccess("user", password, "label", "realm"); });
+    QTest::newRow("digest of OpenSSL's") << Operation(
+        [] { std::free(Crypt::md5_sql(secrets()[0].constData(), static_cast<unsigned long>(secrets()[0].size()))); });
     QTest::newRow("scrypt") << Operation([] { Crypt::hashPassword(password); });
     QTest::newRow("scrypt verified") << Operation(
         [] { Crypt::verifyPassword(password, "$scrypt$ln=4,r=1,p=1$c2FsdHNhbHQ$AAAAAAAAAAAAAAAAAAAAAA"); });
