@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <GenericUtilities/util/Crypt.h>
 
+#include "SaltsOfSeconds.h"
+
 #include <QTest>
 
 using qvgen::Crypt;
@@ -13,6 +15,7 @@ private slots:
     void fields();
     void hashIsThatOfThePassword_data();
     void hashIsThatOfThePassword();
+    void saltIsThatOfTheSecond();
     void fieldsAreNotQuoted();
 };
 
@@ -29,6 +32,16 @@ void tst_CameraUserAccess::fields_data()
                                          << "staff"
                                          << "testrealm@host.com"
                                          << "939e7578ed9e3c518a452acee763bce9";
+    // MD5 of "u:r:p"
+    QTest::newRow("one letter each") << "u"
+                                     << "p"
+                                     << "g"
+                                     << "r"
+                                     << "44add22b6f3179b751eafd68ee370f7d";
+    // Neither does the label count for the digest nor is it reduced to Latin-1.
+    QTest::newRow("label beyond Latin-1") << "u"
+                                          << "p" << QStringLiteral("Tor 3 \u20ac") << "r"
+                                          << "44add22b6f3179b751eafd68ee370f7d";
     // MD5 of "::"
     QTest::newRow("all empty") << ""
                                << ""
@@ -78,6 +91,14 @@ void tst_CameraUserAccess::hashIsThatOfThePassword()
     QFETCH(QString, other);
     QString const hash = Crypt::cameraUserAccess("u", password, "g", "r").section(':', 2, 2);
     QTEST(Crypt::crypt(other, hash) == hash, "isAlike");
+}
+
+void tst_CameraUserAccess::saltIsThatOfTheSecond()
+{
+    auto const before = std::time(nullptr);
+    QString const hash = Crypt::cameraUserAccess("u", "p", "g", "r").section(':', 2, 2);
+    QByteArray const salt = hash.left(2).toLatin1();
+    QVERIFY2(saltsOfSeconds(before, std::time(nullptr)).contains(salt), salt);
 }
 
 /// Who puts a colon into a name gets a line of more fields: checking names is the caller's affair.
