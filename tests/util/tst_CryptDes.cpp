@@ -20,6 +20,15 @@ QByteArray transformed(QByteArray const& keyBits, QByteArray block, int decrypt,
     return block;
 }
 
+/// A half block, its bit 1 the highest, as DEncrypt() takes it: bit 1 the lowest, then turned left by one.
+unsigned asHeld(unsigned half)
+{
+    unsigned held = 0;
+    for (unsigned bit = 0; bit < 32; ++bit)
+        held |= ((half >> (31 - bit)) & 1) << ((bit + 1) % 32);
+    return held;
+}
+
 /// All three in hexadecimal digits.
 struct Vector {
     char const* name;
@@ -83,6 +92,9 @@ private slots:
     void keyIsReplaced();
     void scheduleIsThatOfTheVectorForm();
     void shortKeyIsFilledWithZeros();
+    void twoRounds();
+    void bodyEncryptsZeros25Times_data();
+    void bodyEncryptsZeros25Times();
     void bytesToWord_data();
     void bytesToWord();
     void wordToBytes_data();
@@ -183,6 +195,42 @@ void tst_CryptDes::shortKeyIsFilledWithZeros()
     QCOMPARE(Crypt::SetDESKey("abc"), Crypt::SetDESKey(QByteArray("abc\0\0\0\0\0", 8)));
     QCOMPARE(Crypt::SetDESKey(QByteArray()), QVector<unsigned>(32, 0));
     QCOMPARE(Crypt::SetDESKey("abcdefghijkl"), Crypt::SetDESKey("abcdefgh"));
+}
+
+/// The first two rounds of the same example, of the block 0123456789abcdef.
+void tst_CryptDes::twoRounds()
+{
+    QVector<unsigned> const words = Crypt::SetDESKey(QByteArray::fromHex("133457799bbcdff1"));
+    unsigned left = asHeld(0xcc00ccff);
+    unsigned right = asHeld(0xf0aaf0aa);
+    Crypt::DEncrypt(left, right, words.constData(), 0, 1, 0);
+    QCOMPARE(left, asHeld(0xef4a6544)); // R1
+    QCOMPARE(right, asHeld(0xcc017709)); // R2
+}
+
+void tst_CryptDes::bodyEncryptsZeros25Times_data()
+{
+    QTest::addColumn<unsigned>("saltBits");
+
+    QTest::newRow("plain DES") << 0U;
+    QTest::newRow("the first character's bits") << 0x03fU;
+    QTest::newRow("the second character's bits") << 0xfc0U;
+    QTest::newRow("bits of both") << 0xa65U;
+}
+
+void tst_CryptDes::bodyEncryptsZeros25Times()
+{
+    QFETCH(unsigned, saltBits);
+    QByteArray const key = "some key";
+    QByteArray block(64, '\0');
+    for (int i = 0; i < 25; ++i)
+        block = transformed(bitsOf(key), block, 0, saltBits);
+
+    auto const words = Crypt::Body(Crypt::SetDESKey(key), saltBits);
+    QByteArray result(8, '\0');
+    Crypt::IntToFourBytes(words[0], result, 0);
+    Crypt::IntToFourBytes(words[1], result, 4);
+    QCOMPARE(result, bytesOf(block));
 }
 
 void tst_CryptDes::bytesToWord_data()
