@@ -187,6 +187,7 @@ void tst_FeatureMatrixStore::modificationAfterLoading_data()
     // After the last of 32 cells one word more is looked for: the load does not count as complete.
     QTest::newRow("32 cells, changed") << 4 << 8 << QByteArray("61+") << false << true;
     QTest::newRow("32 cells, none changed") << 4 << 8 << QByteArray("4294967295+") << false << false;
+    QTest::newRow("32 cells, none changed, modified before") << 4 << 8 << QByteArray("4294967295+") << true << true;
     QTest::newRow("64 cells, changed") << 8 << 8 << QByteArray("61+61+") << false << true;
     QTest::newRow("32 cells and one word more") << 4 << 8 << QByteArray("61+0+") << false << false;
     QTest::newRow("40 cells, changed") << 5 << 8 << QByteArray("61+61+") << false << false;
