@@ -7,6 +7,7 @@
 
 #include <QCoreApplication>
 #include <QRegularExpression>
+#include <QResource>
 #include <QTest>
 #include <QTranslator>
 
@@ -35,6 +36,20 @@ constexpr char const* sentences[] = {
     "Could not open file '%1'",
     "Action log '%1' invalid header version.",
     "Error reading log file '%1'; Line '%2'; Column '%3'",
+    "No action log",
+    "The entry is too large, or of a type that is not registered",
+    "A log file is written in UTF-8.",
+    "A log file has no document type.",
+    "An entry is larger than 16 MiB.",
+    "An entry has more than 1000 attributes.",
+    "The file is not open.",
+    "The file cannot be read.",
+    "Elements are nested too deeply.",
+    "Time",
+    "User",
+    "Category",
+    "Action",
+    "Description",
 };
 
 constexpr ELogCategory categories[]
@@ -84,6 +99,8 @@ class TranslationsTest : public QObject {
 private slots:
     void everyTextIsTranslated_data();
     void everyTextIsTranslated();
+    void catalogueIsNotCompressed_data();
+    void catalogueIsNotCompressed();
     void textsReadSo_data();
     void textsReadSo();
     void languages_data();
@@ -112,12 +129,28 @@ void TranslationsTest::everyTextIsTranslated()
     QTranslator translator;
     QVERIFY(translator.load(catalogue));
     QList<Text> const texts = allTexts();
-    QCOMPARE(texts.size(), 1 + 35 + 2 * 8 + 10 + 11 + 4);
+    QCOMPARE(texts.size(), 1 + 35 + 2 * 8 + 24 + 11 + 4);
     for (Text const& text : texts) {
         QString const translation = translator.translate(text.context, text.source.toLatin1().constData());
         QVERIFY2(!translation.isEmpty(), qPrintable(text.source));
         QCOMPARE(placeholders(translation), placeholders(text.source));
     }
+}
+
+void TranslationsTest::catalogueIsNotCompressed_data()
+{
+    everyTextIsTranslated_data();
+}
+
+/// Who reads a catalogue as raw bytes of the resources finds the format of .qm files.
+void TranslationsTest::catalogueIsNotCompressed()
+{
+    QFETCH(QString, catalogue);
+    QResource const resource(catalogue);
+    QVERIFY(resource.isValid());
+    QCOMPARE(resource.compressionAlgorithm(), QResource::NoCompression);
+    QByteArray const start(reinterpret_cast<char const*>(resource.data()), 16);
+    QCOMPARE(start.toHex(), QByteArray("3cb86418caef9c95cd211cbf60a1bddd"));
 }
 
 void TranslationsTest::textsReadSo_data()
@@ -138,6 +171,10 @@ void TranslationsTest::textsReadSo_data()
     row(actionLog, "Quit", "Beenden", "Fermeture");
     row(actionLog, "Switched logging from '%1' to '%2'.", "Protokollierung von „%1“ nach „%2“ gewechselt.",
         "Journalisation passée de «\u00a0%1\u00a0» à «\u00a0%2\u00a0».");
+    row(actionLog, "Format='%1'; Source='%2'; Date and time from='%4'; Date and time to '%5'.%3",
+        "Format=„%1“; Quelle=„%2“; Datum und Uhrzeit von=„%4“; Datum und Uhrzeit bis=„%5“.%3",
+        "Format=«\u00a0%1\u00a0»\u00a0; source=«\u00a0%2\u00a0»\u00a0; date et heure de début=«\u00a0%4\u00a0»\u00a0; "
+        "date et heure de fin=«\u00a0%5\u00a0».%3");
     row(actionLog, "Could not open file '%1'", "Die Datei „%1“ konnte nicht geöffnet werden",
         "Impossible d’ouvrir le fichier «\u00a0%1\u00a0»");
     row(exportFormats, "Printer", "Drucker", "Imprimante");

@@ -13,7 +13,7 @@
     </message>
     <message>
         <source>The entry is too large, or of a type that is not registered</source>
-        <translation>Der Eintrag ist zu groß, oder sein Typ ist nicht registriert</translation>
+        <translation>Der Eintrag ist zu groß oder sein Typ ist nicht registriert</translation>
     </message>
     <message>
         <source>Format=&apos;%1&apos;; Source=&apos;%2&apos;.</source>
@@ -33,11 +33,11 @@
     </message>
     <message>
         <source>Format=&apos;%1&apos;; Source=&apos;%2&apos;; Date and time from=&apos;%4&apos;; Date and time to &apos;%5&apos;.%3</source>
-        <translation>Format=„%1“; Quelle=„%2“; Datum und Uhrzeit von=„%4“; Datum und Uhrzeit bis „%5“.%3</translation>
+        <translation>Format=„%1“; Quelle=„%2“; Datum und Uhrzeit von=„%4“; Datum und Uhrzeit bis=„%5“.%3</translation>
     </message>
     <message>
         <source>Format=&apos;%1&apos;; Source=&apos;%2&apos;; Date and time from=&apos;%4&apos;; Date and time to &apos;%5&apos;; Target=&apos;%3&apos;.</source>
-        <translation>Format=„%1“; Quelle=„%2“; Datum und Uhrzeit von=„%4“; Datum und Uhrzeit bis „%5“; Ziel=„%3“.</translation>
+        <translation>Format=„%1“; Quelle=„%2“; Datum und Uhrzeit von=„%4“; Datum und Uhrzeit bis=„%5“; Ziel=„%3“.</translation>
     </message>
     <message>
         <source>&apos;%1%2&apos; to &apos;%1%3&apos;.</source>
@@ -89,7 +89,7 @@
     </message>
     <message>
         <source>Authorize</source>
-        <translation>Berechtigung</translation>
+        <translation>Autorisierung</translation>
     </message>
     <message>
         <source>Software updates</source>
@@ -157,7 +157,7 @@
     </message>
     <message>
         <source>Viewing</source>
-        <translation>Betrachtung</translation>
+        <translation>Anzeige</translation>
     </message>
     <message>
         <source>Alarm</source>
@@ -225,15 +225,15 @@
     </message>
     <message>
         <source>Action log &apos;%1&apos; invalid header version.</source>
-        <translation>Das Aktionsprotokoll „%1“ hat eine ungültige Kopfversion.</translation>
+        <translation>Das Aktionsprotokoll „%1“ hat eine ungültige Version im Dateikopf.</translation>
     </message>
     <message>
         <source>A log file is written in UTF-8.</source>
-        <translation>Eine Protokolldatei ist in UTF-8 geschrieben.</translation>
+        <translation>Eine Protokolldatei muss in UTF-8 geschrieben sein.</translation>
     </message>
     <message>
         <source>A log file has no document type.</source>
-        <translation>Eine Protokolldatei hat keinen Dokumenttyp.</translation>
+        <translation>Eine Protokolldatei darf keinen Dokumenttyp haben.</translation>
     </message>
     <message>
         <source>An entry is larger than 16 MiB.</source>

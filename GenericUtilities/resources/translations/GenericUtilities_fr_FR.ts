@@ -5,7 +5,7 @@
     <name>ActionLog</name>
     <message>
         <source>Switched log</source>
-        <translation>Journal changé</translation>
+        <translation>Changement de journal</translation>
     </message>
     <message>
         <source>Switched logging from &apos;%1&apos; to &apos;%2&apos;.</source>
@@ -33,11 +33,11 @@
     </message>
     <message>
         <source>Format=&apos;%1&apos;; Source=&apos;%2&apos;; Date and time from=&apos;%4&apos;; Date and time to &apos;%5&apos;.%3</source>
-        <translation>Format=«&#xa0;%1&#xa0;»&#xa0;; source=«&#xa0;%2&#xa0;»&#xa0;; date et heure de début=«&#xa0;%4&#xa0;»&#xa0;; date et heure de fin «&#xa0;%5&#xa0;».%3</translation>
+        <translation>Format=«&#xa0;%1&#xa0;»&#xa0;; source=«&#xa0;%2&#xa0;»&#xa0;; date et heure de début=«&#xa0;%4&#xa0;»&#xa0;; date et heure de fin=«&#xa0;%5&#xa0;».%3</translation>
     </message>
     <message>
         <source>Format=&apos;%1&apos;; Source=&apos;%2&apos;; Date and time from=&apos;%4&apos;; Date and time to &apos;%5&apos;; Target=&apos;%3&apos;.</source>
-        <translation>Format=«&#xa0;%1&#xa0;»&#xa0;; source=«&#xa0;%2&#xa0;»&#xa0;; date et heure de début=«&#xa0;%4&#xa0;»&#xa0;; date et heure de fin «&#xa0;%5&#xa0;»&#xa0;; cible=«&#xa0;%3&#xa0;».</translation>
+        <translation>Format=«&#xa0;%1&#xa0;»&#xa0;; source=«&#xa0;%2&#xa0;»&#xa0;; date et heure de début=«&#xa0;%4&#xa0;»&#xa0;; date et heure de fin=«&#xa0;%5&#xa0;»&#xa0;; cible=«&#xa0;%3&#xa0;».</translation>
     </message>
     <message>
         <source>&apos;%1%2&apos; to &apos;%1%3&apos;.</source>
@@ -69,7 +69,7 @@
     </message>
     <message>
         <source>Export rename</source>
-        <translation>Exportation renommée</translation>
+        <translation>Fichier exporté renommé</translation>
     </message>
     <message>
         <source>None</source>
@@ -213,7 +213,7 @@
     </message>
     <message>
         <source>No action log</source>
-        <translation>Pas un journal des actions</translation>
+        <translation>Ce n’est pas un journal des actions</translation>
     </message>
     <message>
         <source>Error reading log file &apos;%1&apos;; Line &apos;%2&apos;; Column &apos;%3&apos;</source>
@@ -229,11 +229,11 @@
     </message>
     <message>
         <source>A log file is written in UTF-8.</source>
-        <translation>Un fichier journal est écrit en UTF-8.</translation>
+        <translation>Un fichier journal doit être écrit en UTF-8.</translation>
     </message>
     <message>
         <source>A log file has no document type.</source>
-        <translation>Un fichier journal n’a pas de type de document.</translation>
+        <translation>Un fichier journal ne doit pas avoir de type de document.</translation>
     </message>
     <message>
         <source>An entry is larger than 16 MiB.</source>
@@ -241,7 +241,7 @@
     </message>
     <message>
         <source>An entry has more than 1000 attributes.</source>
-        <translation>Une entrée a plus de 1000 attributs.</translation>
+        <translation>Une entrée a plus de 1&#xa0;000 attributs.</translation>
     </message>
     <message>
         <source>The file is not open.</source>
@@ -261,7 +261,7 @@
     </message>
     <message>
         <source>Error &apos;%1&apos; reading action log &apos;%2&apos; in line &apos;%3&apos;, column &apos;%4&apos;.</source>
-        <translation>Erreur «&#xa0;%1&#xa0;» à la lecture du journal des actions «&#xa0;%2&#xa0;», ligne %3, colonne %4.</translation>
+        <translation>Erreur «&#xa0;%1&#xa0;» lors de la lecture du journal des actions «&#xa0;%2&#xa0;», ligne %3, colonne %4.</translation>
     </message>
     <message>
         <source>Time</source>
