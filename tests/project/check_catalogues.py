@@ -1,10 +1,12 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: LGPL-2.1-or-later
-"""Fails where a translation catalogue lacks a text of the library, holds one that is gone, or leaves one untranslated.
+"""Fails where a translation catalogue lacks a text of the library, holds one that is gone, leaves one untranslated, or
+gives one other placeholders.
 
 usage: check_catalogues.py <lupdate> <source tree>
 """
 import pathlib
+import re
 import subprocess
 import sys
 import tempfile
@@ -22,6 +24,10 @@ def messages(catalogue):
     return found
 
 
+def placeholders(text):
+    return sorted(re.findall(r"%\d", text))
+
+
 def main(lupdate, tree):
     folder = pathlib.Path(tree, "GenericUtilities")
     catalogues = sorted(folder.glob("resources/translations/*.ts"))
@@ -35,6 +41,8 @@ def main(lupdate, tree):
         problems += [f"{catalogue.name} lacks {key}" for key in sorted(wanted - held.keys())]
         problems += [f"{catalogue.name} holds {key}, which is gone" for key in sorted(held.keys() - wanted)]
         problems += [f"{catalogue.name} leaves {key} untranslated" for key, text in held.items() if not text]
+        problems += [f"{catalogue.name} changes the placeholders of {key}" for key, text in held.items()
+                     if text and placeholders(text) != placeholders(key[1])]
     print("\n".join(problems) or f"{len(wanted)} texts in {len(catalogues)} catalogues")
     return 1 if problems else 0
 
