@@ -91,6 +91,17 @@ QStringList placeholders(QString const& text)
     return found;
 }
 
+/// A client's catalogue.
+class OneText : public QTranslator {
+public:
+    QString translate(
+        char const* /*context*/, char const* source, char const* /*disambiguation*/, int /*n*/) const override
+    {
+        return qstrcmp(source, "Printer") == 0 ? QStringLiteral("Plotter") : QString();
+    }
+    bool isEmpty() const override { return false; }
+};
+
 } // namespace
 
 class TranslationsTest : public QObject {
@@ -107,6 +118,7 @@ private slots:
     void languages();
     void nextLanguageTakesThePlace();
     void entriesFollow();
+    void catalogueOfTheClientStays();
     void withoutApplication();
     void anotherApplication();
 
@@ -239,6 +251,18 @@ void TranslationsTest::entriesFollow()
     QCOMPARE(LogCategory(entry->category()).name(), QString("Aktionsprotokoll"));
     QVERIFY(LogCategory::categoryNames().contains(QString::fromUtf8("Geräte")));
     QVERIFY(logEntryFactory().entryNames().contains("Export abgeschlossen"));
+}
+
+void TranslationsTest::catalogueOfTheClientStays()
+{
+    QCoreApplication const application(m_count, m_arguments);
+    OneText own;
+    QVERIFY(QCoreApplication::installTranslator(&own));
+    QCOMPARE(QCoreApplication::translate(exportFormats, "Printer"), QString("Plotter"));
+    QVERIFY(installTranslations(QLocale("de_DE"))); // installed last
+    QCOMPARE(QCoreApplication::translate(exportFormats, "Printer"), QString("Drucker"));
+    QVERIFY(installTranslations(QLocale("en_US")));
+    QCOMPARE(QCoreApplication::translate(exportFormats, "Printer"), QString("Plotter"));
 }
 
 void TranslationsTest::withoutApplication()
