@@ -336,10 +336,9 @@ void tst_ActionLogFiles::forkedChildWritesItsOwn_data()
     QTest::addColumn<QStringList>("before");
     QTest::addColumn<QStringList>("byChild");
     for (auto const& [kind, password] : {std::pair("plain", ""), std::pair("encrypted", "correct horse")}) {
-        auto const row = [kind = kind, password = password](
-                             char const* name, QStringList const& before, QStringList const& byChild) {
-            QTest::addRow("%s, %s", kind, name) << password << before << byChild;
-        };
+        auto const row
+            = [kind = kind, password = password](char const* name, QStringList const& before,
+                  QStringList const& byChild) { QTest::addRow("%s, %s", kind, name) << password << before << byChild; };
         row("child logs nothing", {}, {});
         row("child logs", {}, {QStringLiteral("three"), QStringLiteral("four")});
         row("child logs what is written at once", {}, {QString(70000, 'x')});
