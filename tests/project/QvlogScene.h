@@ -65,6 +65,13 @@ public:
         for (QByteArray const& piece : pieces)
             QCOMPARE(out.write(piece), qint64{piece.size()});
     }
+    /// To @p size bytes of text.
+    static void cutEncrypted(QString const& name, qint64 size)
+    {
+        qv::FileEncrypt file(name);
+        file.setFileUserPassword({}, "secret");
+        QVERIFY(file.resize(size));
+    }
     static void flipBit(QString const& name, qint64 offset)
     {
         QFile file(name);

@@ -41,6 +41,8 @@ void QvlogOptionsTest::refusal_data()
     row("unknown locale", {"show", "--log-locale", "Klingon", "a.qvl"},
         "--log-locale takes a locale such as de_DE or C, not 'Klingon'");
     row("password file without a name", {"show", "--password-file", "", "a.qvl"}, "--password-file takes a path");
+    row("anchors without a name", {"verify", "--anchors", "", "a.qvl"}, "--anchors takes a path");
+    row("new anchors without a name", {"verify", "--new-anchors", "", "a.qvl"}, "--new-anchors takes a path");
     row("two files to follow", {"follow", "a.qvl", "b.qvl"}, "unexpected argument 'b.qvl'");
     row("nothing to convert into", {"convert", "--to", "csv", "a.qvl"},
         "convert takes a log and the file to be made of it");
@@ -83,6 +85,7 @@ void QvlogOptionsTest::help_data()
     row({"show", "--help"}, "--log-locale <LOCALE>");
     row({"follow", "--help"}, "--all");
     row({"verify", "--help"}, "authenticated record by record");
+    row({"verify", "--help"}, "--new-anchors <PATH>");
     row({"stats", "-h"}, "--until <TIME>");
     row({"convert", "--help"}, "csv, jsonl, xml, plain or encrypted");
 }

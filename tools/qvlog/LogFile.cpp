@@ -54,14 +54,14 @@ void LogFile::throwHeaderError() const
     Q_UNREACHABLE();
 }
 
-void LogFile::requireIntact()
+void LogFile::requireIntact(QByteArray const& anchor)
 {
     if (!m_isEncrypted) {
         if (m_device.error() != QFileDevice::NoError)
             refuseFile(QStringLiteral("it cannot be read: %1").arg(m_device.errorString()));
         return;
     }
-    FileEncrypt::VerifyResult const found = m_device.verify();
+    FileEncrypt::VerifyResult const found = m_device.verify(anchor);
     switch (found.result) {
     case FileEncrypt::VerifyResult::Intact:
         return;

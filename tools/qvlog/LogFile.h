@@ -17,7 +17,8 @@ public:
 
     /// Throws where the bytes of the file are not those that were written, as far as that can be told: an encrypted
     /// file vouches for its own, a plain one has only the system's errors.
-    void requireIntact();
+    /// Nor where an encrypted file does not go on from where it was when it had the anchor, if one is given.
+    void requireIntact(QByteArray const& anchor = {});
 
 private:
     void openEncrypted(Access& access);

@@ -92,6 +92,12 @@ constexpr OptionRow optionRows[] = {
     {only(Command::Convert), "new-password-file", "PATH",
         "Take the password of the new file from the first line of "
         "this file (else: QVLOG_NEW_PASSWORD, or asked for)."},
+    {only(Command::Verify), "anchors", "PATH",
+        "Compare encrypted files with what they held when this file of anchors was made: tells of entries that were "
+        "cut off, of older copies and of files that are gone."},
+    {only(Command::Verify), "new-anchors", "PATH",
+        "Make a file of anchors of what encrypted files hold now, if all files are intact. Keep it where nobody can "
+        "change it who can change the logs."},
     {All, "file-user", "NAME", "The user that encrypted files are kept for (default: none)."},
     {All, "password-file", "PATH", "Take the password from the first line of this file."},
 };
@@ -239,6 +245,8 @@ Options Reader::options(QStringList const& arguments)
     options.fileUser = has("file-user") ? text("file-user") : QString();
     options.passwordFile = path("password-file");
     options.newPasswordFile = path("new-password-file");
+    options.anchorsFile = path("anchors");
+    options.newAnchorsFile = path("new-anchors");
     options.all = has("all");
     if (has("format"))
         options.format = named("format", formats, "text, csv, json or xml");

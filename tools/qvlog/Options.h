@@ -30,6 +30,8 @@ struct Options {
     QString fileUser;
     QString passwordFile; ///< Empty: the password comes from elsewhere, as the next.
     QString newPasswordFile;
+    QString anchorsFile; ///< Empty for none, as the next.
+    QString newAnchorsFile;
     Wanted wanted;
     QString language; ///< "de", "fr" or "en"; empty for that of the environment.
     std::optional<QLocale> logLocale;

@@ -15,6 +15,7 @@ public:
     /// These tell it on standard error, too.
     void tellDamage(QString const& file, QString const& what);
     void tellRefusal(QString const& file, QString const& what);
+    bool hasRefusal() const { return m_hasRefusal; }
     /// Damage outweighs what could not be read: it is a finding, the other none.
     ExitCode exitCode() const { return m_hasDamage ? DamageFound : m_hasRefusal ? NotDone : Fine; }
 
