@@ -2,6 +2,7 @@
 #include <qvbase/FileEncryptTesting_p.h>
 
 #include <qvbase/KeyCache_p.h>
+#include <qvbase/NamedFile_p.h>
 
 #include <utility>
 
@@ -29,6 +30,11 @@ void setSessionLimits(quint64 records, quint64 bytes)
     encrypted::Hooks const builtIn;
     hooks().sessionRecords = records ? records : builtIn.sessionRecords;
     hooks().sessionBytes = bytes ? bytes : builtIn.sessionBytes;
+}
+
+void setLockWait(int milliseconds)
+{
+    posix::lockWait() = milliseconds > 0 ? std::chrono::milliseconds(milliseconds) : posix::MaxLockWait;
 }
 
 void clearKeyCache()

@@ -25,6 +25,9 @@ QVBASE_EXPORT void setNonceObserver(NonceObserver observer);
 /// After how many records or plain bytes a session is renewed; 0 restores the built-in limits.
 QVBASE_EXPORT void setSessionLimits(quint64 records, quint64 bytes);
 
+/// How long a device waits for the lock of a file; 0 restores the built-in limit.
+QVBASE_EXPORT void setLockWait(int milliseconds);
+
 /// Forgets derived keys, as a new process has none.
 QVBASE_EXPORT void clearKeyCache();
 

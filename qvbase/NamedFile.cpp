@@ -125,6 +125,12 @@ int open(QByteArray const& path, int flags)
     return retry([&] { return ::open(path.constData(), flags | O_CLOEXEC, 0666); });
 }
 
+std::chrono::milliseconds& lockWait()
+{
+    static std::chrono::milliseconds wait = MaxLockWait;
+    return wait;
+}
+
 void NamedFile::attach(int fd, QByteArray const& path, int reopenFlags)
 {
     m_fd = fd;
@@ -184,7 +190,7 @@ bool NamedFile::parryFork(bool followName)
 bool NamedFile::waitForLock()
 {
     using namespace std::chrono;
-    auto const deadline = steady_clock::now() + seconds(10);
+    auto const deadline = steady_clock::now() + lockWait();
     auto pause = microseconds(10);
     while (::flock(m_fd, LOCK_EX | LOCK_NB) != 0) {
         if (errno != EWOULDBLOCK && errno != EINTR)

@@ -4,6 +4,7 @@
 #include <QByteArray>
 #include <QtGlobal>
 
+#include <chrono>
 #include <sys/types.h>
 
 /// Calls of the system for files. What fails leaves its reason in errno.
@@ -43,6 +44,11 @@ private:
 };
 
 int open(QByteArray const& path, int flags);
+
+/// How long a lock is waited for: longer than any write takes, so that who holds it then will not give it back soon.
+constexpr std::chrono::milliseconds MaxLockWait{10000};
+/// The same, as tests may have shortened it.
+std::chrono::milliseconds& lockWait();
 
 /// A descriptor and the path that it was opened by. The lock belongs to what was opened, so that devices of one process
 /// exclude each other as processes do; a forked process opens the path again before it locks.

@@ -26,6 +26,8 @@ private slots:
     void sizeIsThatOfTheFileLocked();
     void childDoesNotEndIt_data() { passwords(); }
     void childDoesNotEndIt();
+    void isNotWaitedForInVain_data() { passwords(); }
+    void isNotWaitedForInVain();
     void refused_data();
     void refused();
     void refusedWhereAnotherKindTookTheName_data() { passwords(); }
@@ -150,6 +152,23 @@ void tst_FileEncryptLock::childDoesNotEndIt()
     }
     ::waitpid(child, nullptr, 0);
     QVERIFY(!isFree());
+}
+
+/// Whoever holds it may have been stopped.
+void tst_FileEncryptLock::isNotWaitedForInVain()
+{
+    QFETCH(QString, password);
+    qv::FileEncryptTesting::setLockWait(50);
+    auto const file = appending();
+    auto const other = appending();
+    QVERIFY(other->lock());
+    QVERIFY(!file->lock());
+    QCOMPARE(file->write("text"), qint64(-1));
+    // With a password, its end is looked at when it is opened.
+    QCOMPARE(encrypted::device(name(), password)->open(QIODevice::Append), password.isEmpty());
+    other->unlock();
+    QCOMPARE(file->write("text"), qint64(4));
+    qv::FileEncryptTesting::setLockWait(0);
 }
 
 void tst_FileEncryptLock::refused_data()
