@@ -12,6 +12,7 @@ private slots:
     void encryptedIsIntact();
     void everyFlippedBitIsFound();
     void damagedContentOfAnIntactEncryptedFile();
+    void damagedRecordInTheMiddle();
     void tornEncryptedFile();
     void severalFiles();
     void unreadableFileIsNoDamage();
@@ -114,6 +115,25 @@ void QvlogVerifyTest::damagedContentOfAnIntactEncryptedFile()
     QVERIFY2(result.output.startsWith("a.qvl: DAMAGED at line 2, column "), result.output);
     QVERIFY(result.output.endsWith("; 1 entry before\n"));
     QCOMPARE(result.exitCode, 1);
+}
+
+void QvlogVerifyTest::damagedRecordInTheMiddle()
+{
+    QvlogScene scene;
+    scene.appendEncrypted("a.qvl", {scene.header(), scene.done("x"), scene.done("y"), scene.done("z"), scene.end()});
+    // The header of the file takes 128 bytes, the record of the session 96, each of the others 64 more than its text.
+    int const start = 128 + 96 + 64 + scene.header().size() + 64 + scene.done("x").size();
+    scene.flipBit("a.qvl", start + 50);
+    QByteArray const damage
+        = "byte " + QByteArray::number(start) + ", record 3: A record is damaged, or is not the one that belongs here";
+    QvlogResult const result = scene.run({"verify", "a.qvl"}, scene.environment("secret"));
+    QCOMPARE(result.output, "a.qvl: DAMAGED at " + damage + "; 1 entry before\n");
+    QCOMPARE(result.error, QString());
+    QCOMPARE(result.exitCode, 1);
+    QvlogResult const shown = scene.run({"show", "a.qvl"}, scene.environment("secret"));
+    QCOMPARE(shown.output, QByteArray("2024-05-31 18:30:00  ann (System)  Export done: x\n"));
+    QCOMPARE(shown.error, "qvlog: 'a.qvl' is damaged: " + damage + '\n');
+    QCOMPARE(shown.exitCode, 1);
 }
 
 void QvlogVerifyTest::tornEncryptedFile()
