@@ -145,25 +145,16 @@ Bytes32 sha256Mac(SecretKey const& key, QByteArray const& bytes)
     return mac;
 }
 
-void RecordCipher::Free::operator()(EVP_CIPHER_CTX* context) const
+RecordCipher::RecordCipher(SecretKey const& key, AesGcm::Direction direction)
+    : m_gcm(key.data(), direction)
 {
-    EVP_CIPHER_CTX_free(context);
-}
-
-RecordCipher::RecordCipher(SecretKey const& key, Direction direction)
-    : m_context(EVP_CIPHER_CTX_new())
-{
-    if (!m_context
-        || EVP_CipherInit_ex(m_context.get(), EVP_aes_256_gcm(), nullptr, key.data(), nullptr, direction) != 1)
-        throw std::bad_alloc();
-    if (direction == Seal && hooks().observer)
+    if (direction == AesGcm::Seal && hooks().observer)
         m_observedKey = QByteArray(reinterpret_cast<char const*>(key.data()), SecretKey::size());
 }
 
 bool RecordCipher::process(quint64 number, Associated const& with, uchar const* text, int size, uchar* to)
 {
-    EVP_CIPHER_CTX* const context = m_context.get();
-    std::array<uchar, 12> nonce = {};
+    std::array<uchar, AesGcm::NonceSize> nonce = {};
     qToLittleEndian(number, nonce.data());
     if (!m_observedKey.isEmpty())
         hooks().observer(m_observedKey, QByteArray(reinterpret_cast<char const*>(nonce.data()), int(nonce.size())));
@@ -171,32 +162,20 @@ bool RecordCipher::process(quint64 number, Associated const& with, uchar const* 
     // In one piece: each call of libcrypto costs a tenth of a record.
     std::array<uchar, RecordHeader::Length + sizeof(Tag)> associated;
     std::copy_n(with.previousTag, sizeof(Tag), std::copy_n(with.header, RecordHeader::Length, associated.begin()));
-    int count = 0;
-    auto const associate = [&](uchar const* bytes, int length) {
-        return length == 0 || EVP_CipherUpdate(context, nullptr, &count, bytes, length) == 1;
-    };
-    return EVP_CipherInit_ex2(context, nullptr, nullptr, nonce.data(), -1, nullptr) == 1
-        && associate(associated.data(), int(associated.size())) && associate(with.payload, with.payloadSize)
-        && (size == 0 || EVP_CipherUpdate(context, to, &count, text, size) == 1);
+    return m_gcm.begin(nonce.data()) && m_gcm.associate(associated.data(), int(associated.size()))
+        && (with.payloadSize == 0 || m_gcm.associate(with.payload, with.payloadSize))
+        && (size == 0 || m_gcm.process(text, size, to));
 }
 
 bool RecordCipher::seal(quint64 number, Associated const& with, uchar const* text, int size, uchar* to, uchar* tag)
 {
-    int count = 0;
-    uchar none = 0;
-    OSSL_PARAM parameters[] = {octets(OSSL_CIPHER_PARAM_AEAD_TAG, tag, int(sizeof(Tag))), OSSL_PARAM_construct_end()};
-    return process(number, with, text, size, to) && EVP_CipherFinal_ex(m_context.get(), &none, &count) == 1
-        && EVP_CIPHER_CTX_get_params(m_context.get(), parameters) == 1;
+    return process(number, with, text, size, to) && m_gcm.takeTag(tag);
 }
 
 bool RecordCipher::open(
     quint64 number, Associated const& with, uchar const* text, int size, uchar* to, uchar const* tag)
 {
-    int count = 0;
-    uchar none = 0;
-    return process(number, with, text, size, to)
-        && EVP_CIPHER_CTX_ctrl(m_context.get(), EVP_CTRL_GCM_SET_TAG, int(sizeof(Tag)), const_cast<uchar*>(tag)) == 1
-        && EVP_CipherFinal_ex(m_context.get(), &none, &count) == 1;
+    return process(number, with, text, size, to) && m_gcm.checkTag(tag);
 }
 
 } // namespace qv::encrypted

@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include <qvbase/AesGcm_p.h>
 #include <qvbase/EncryptedFormat_p.h>
 #include <qvbase/FileEncryptTesting_p.h>
 
 #include <QString>
 
-#include <memory>
 #include <optional>
-
-typedef struct evp_cipher_ctx_st EVP_CIPHER_CTX;
 
 /// Keys and ciphers of encrypted files, by libcrypto.
 namespace qv::encrypted {
@@ -63,8 +61,7 @@ Bytes32 sha256Mac(SecretKey const& key, QByteArray const& bytes);
 /// AES-256-GCM under the key of one session, with one context for all its records.
 class RecordCipher {
 public:
-    enum Direction { Open, Seal };
-    RecordCipher(SecretKey const& key, Direction direction);
+    RecordCipher(SecretKey const& key, AesGcm::Direction direction);
 
     /// What is authenticated beside the text: a record's header and the tag before it, then more in a session record.
     struct Associated {
@@ -82,10 +79,7 @@ public:
 private:
     bool process(quint64 number, Associated const& with, uchar const* text, int size, uchar* to);
 
-    struct Free {
-        void operator()(EVP_CIPHER_CTX* context) const;
-    };
-    std::unique_ptr<EVP_CIPHER_CTX, Free> m_context;
+    AesGcm m_gcm;
     /// Empty unless a test observes.
     QByteArray m_observedKey;
 };

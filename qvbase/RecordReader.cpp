@@ -196,7 +196,7 @@ bool RecordReader::open(GoodRecord& record, uchar const* from)
 
 bool RecordReader::openSession(GoodRecord const& record, RecordCipher::Associated const& with, uchar const* payload)
 {
-    RecordCipher cipher(deriveSessionKey(m_fileKey, payload), RecordCipher::Open);
+    RecordCipher cipher(deriveSessionKey(m_fileKey, payload), AesGcm::Open);
     if (!cipher.open(record.header.number, with, nullptr, 0, nullptr, record.tag.data()))
         return false;
     if (m_ciphers.size() >= maxCiphers)
