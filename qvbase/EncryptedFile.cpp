@@ -71,10 +71,11 @@ std::optional<std::pair<FileHeader, FileKeys>> readHeader(int fd, Credentials co
         return std::nullopt;
     requireHeader(FileHeader::check(bytes));
     FileHeader const header = FileHeader::fromBytes(bytes);
-    SecretKey const kek = requireKey(KeyCache::instance().kekFor(credentials, header));
-    FileKeys const keys(kek, header.fileId());
+    KeyCache::Kek const kek = requireKey(KeyCache::instance().kekFor(credentials, header));
+    FileKeys const keys(kek.key, header.fileId());
     requireHeader(keys.fits(header) ? FileEncrypt::NoHeaderError : FileEncrypt::WrongCredentials);
-    KeyCache::instance().remember(credentials, header, kek);
+    if (!kek.isKnown)
+        KeyCache::instance().remember(credentials, header, kek.key);
     return std::make_pair(header, keys);
 }
 

@@ -6,13 +6,13 @@
 #include <openssl/core_names.h>
 #include <openssl/crypto.h>
 #include <openssl/evp.h>
-#include <openssl/hmac.h>
 #include <openssl/kdf.h>
 #include <openssl/params.h>
 #include <openssl/rand.h>
 
 #include <algorithm>
 #include <cstdint>
+#include <memory>
 #include <new>
 #include <utility>
 
@@ -32,24 +32,60 @@ namespace {
         return OSSL_PARAM_construct_octet_string(name, const_cast<void*>(bytes), size_t(size));
     }
 
-    bool derive(char const* algorithm, OSSL_PARAM const* parameters, SecretKey* key)
+    bool deriveByScrypt(OSSL_PARAM const* parameters, SecretKey* key)
     {
         std::unique_ptr<EVP_KDF, decltype(&EVP_KDF_free)> const kdf(
-            EVP_KDF_fetch(nullptr, algorithm, nullptr), EVP_KDF_free);
+            EVP_KDF_fetch(nullptr, "SCRYPT", nullptr), EVP_KDF_free);
         std::unique_ptr<EVP_KDF_CTX, decltype(&EVP_KDF_CTX_free)> const context(
             EVP_KDF_CTX_new(kdf.get()), EVP_KDF_CTX_free);
         return context && EVP_KDF_derive(context.get(), key->data(), size_t(SecretKey::size()), parameters) == 1;
     }
 
-    SecretKey expand(SecretKey const& from, uchar const* salt, char const* info)
+    using Mac = std::unique_ptr<EVP_MAC_CTX, decltype(&EVP_MAC_CTX_free)>;
+
+    EVP_MAC_CTX* makeKeylessMac()
     {
         char digest[] = "SHA256";
-        OSSL_PARAM const parameters[] = {OSSL_PARAM_construct_utf8_string(OSSL_KDF_PARAM_DIGEST, digest, 0),
-            octets(OSSL_KDF_PARAM_KEY, from.data(), SecretKey::size()), octets(OSSL_KDF_PARAM_SALT, salt, 32),
-            octets(OSSL_KDF_PARAM_INFO, info, int(qstrlen(info))), OSSL_PARAM_construct_end()};
-        SecretKey key;
-        if (!derive("HKDF", parameters, &key))
+        OSSL_PARAM const parameters[]
+            = {OSSL_PARAM_construct_utf8_string(OSSL_MAC_PARAM_DIGEST, digest, 0), OSSL_PARAM_construct_end()};
+        std::unique_ptr<EVP_MAC, decltype(&EVP_MAC_free)> const algorithm(
+            EVP_MAC_fetch(nullptr, "HMAC", nullptr), EVP_MAC_free);
+        Mac made(algorithm ? EVP_MAC_CTX_new(algorithm.get()) : nullptr, EVP_MAC_CTX_free);
+        return made && EVP_MAC_CTX_set_params(made.get(), parameters) == 1 ? made.release() : nullptr;
+    }
+
+    /// A copy of one without a key, which costs half of what looking the algorithms up does.
+    Mac newMac()
+    {
+        // Never destroyed: devices of static objects may still be opened.
+        static EVP_MAC_CTX const* const keyless = makeKeylessMac();
+        return Mac(keyless ? EVP_MAC_CTX_dup(keyless) : nullptr, EVP_MAC_CTX_free);
+    }
+
+    /// HMAC-SHA256 under 32 bytes of @p key.
+    void makeMac(uchar const* key, void const* bytes, size_t size, uchar* to)
+    {
+        Mac const mac = newMac();
+        size_t length = 0;
+        if (!mac || EVP_MAC_init(mac.get(), key, sizeof(Bytes32), nullptr) != 1
+            || EVP_MAC_update(mac.get(), static_cast<uchar const*>(bytes), size) != 1
+            || EVP_MAC_final(mac.get(), to, &length, sizeof(Bytes32)) != 1)
             throw std::bad_alloc();
+    }
+
+    /// The two steps of HKDF, RFC 5869, for keys as long as the hash.
+    SecretKey extract(SecretKey const& from, uchar const* salt)
+    {
+        SecretKey key;
+        makeMac(salt, from.data(), size_t(SecretKey::size()), key.data());
+        return key;
+    }
+
+    SecretKey expand(SecretKey const& extracted, char const* info)
+    {
+        QByteArray const block = QByteArray(info) + '\x01';
+        SecretKey key;
+        makeMac(extracted.data(), block.constData(), size_t(block.size()), key.data());
         return key;
     }
 
@@ -88,9 +124,10 @@ Credentials::~Credentials()
 }
 
 FileKeys::FileKeys(SecretKey const& kek, Bytes32 const& fileId)
-    : headerKey(expand(kek, fileId.data(), "header"))
-    , fileKey(expand(kek, fileId.data(), "file"))
 {
+    SecretKey const extracted = extract(kek, fileId.data());
+    headerKey = expand(extracted, "header");
+    fileKey = expand(extracted, "file");
 }
 
 Bytes32 FileKeys::macOf(FileHeader const& header) const
@@ -118,12 +155,12 @@ std::optional<SecretKey> deriveKek(Credentials const& credentials, Bytes32 const
             OSSL_PARAM_construct_uint32(OSSL_KDF_PARAM_SCRYPT_P, &cost.p),
             OSSL_PARAM_construct_uint64(OSSL_KDF_PARAM_SCRYPT_MAXMEM, &memory), OSSL_PARAM_construct_end()};
     SecretKey kek;
-    return derive("SCRYPT", parameters, &kek) ? std::make_optional(kek) : std::nullopt;
+    return deriveByScrypt(parameters, &kek) ? std::make_optional(kek) : std::nullopt;
 }
 
 SecretKey deriveSessionKey(SecretKey const& fileKey, uchar const* salt)
 {
-    return expand(fileKey, salt, "session");
+    return expand(extract(fileKey, salt), "session");
 }
 
 std::optional<Bytes32> randomBytes32()
@@ -139,9 +176,7 @@ std::optional<Bytes32> randomBytes32()
 Bytes32 sha256Mac(SecretKey const& key, QByteArray const& bytes)
 {
     Bytes32 mac = {};
-    auto const* const from = reinterpret_cast<uchar const*>(bytes.constData());
-    if (!HMAC(EVP_sha256(), key.data(), SecretKey::size(), from, size_t(bytes.size()), mac.data(), nullptr))
-        throw std::bad_alloc();
+    makeMac(key.data(), bytes.constData(), size_t(bytes.size()), mac.data());
     return mac;
 }
 

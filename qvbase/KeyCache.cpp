@@ -39,12 +39,15 @@ template <typename Wanted> std::optional<KeyCache::Salted> KeyCache::find(Wanted
     return entry == m_entries.rend() ? std::nullopt : std::make_optional(entry->key);
 }
 
-std::optional<SecretKey> KeyCache::kekFor(Credentials const& credentials, FileHeader const& header)
+std::optional<KeyCache::Kek> KeyCache::kekFor(Credentials const& credentials, FileHeader const& header)
 {
     auto const known
         = find([who = fingerprint(credentials), salt = header.salt(), cost = header.cost()](
                    Entry const& entry) { return entry.who == who && entry.key.salt == salt && entry.cost == cost; });
-    return known ? std::make_optional(known->kek) : deriveKek(credentials, header.salt(), header.cost());
+    if (known)
+        return Kek{known->kek, true};
+    auto const derived = deriveKek(credentials, header.salt(), header.cost());
+    return derived ? std::make_optional(Kek{*derived, false}) : std::nullopt;
 }
 
 std::optional<KeyCache::Salted> KeyCache::kekForNewFile(Credentials const& credentials, ScryptCost cost)

@@ -19,8 +19,13 @@ public:
         SecretKey kek;
     };
 
+    struct Kek {
+        SecretKey key;
+        bool isKnown;
+    };
+
     /// The key of a file's header; derived where it is not known. Nothing where the derivation fails.
-    std::optional<SecretKey> kekFor(Credentials const& credentials, FileHeader const& header);
+    std::optional<Kek> kekFor(Credentials const& credentials, FileHeader const& header);
     /// A salt and its key for a new file: those last used with these credentials, else fresh ones.
     std::optional<Salted> kekForNewFile(Credentials const& credentials, ScryptCost cost);
     /// To be called once the key proved right.
