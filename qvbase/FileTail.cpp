@@ -12,17 +12,17 @@ using Verified = FileEncrypt::VerifyResult;
 
 namespace {
 
-    bool hasMisplacedRecord(RecordReader const& reader, Tail const& due)
+    bool hasMisplacedRecord(RecordReader& reader, Tail const& due)
     {
-        auto record = reader.firstWholeFrom(due.end);
+        auto record = reader.finder().firstWholeFrom(due.end);
         while (record && record->isOfWriteAt(due))
-            record = reader.firstWholeFrom(record->end());
+            record = reader.finder().firstWholeFrom(record->end());
         return record.has_value();
     }
 
-    bool isCutShort(RecordReader const& reader, Tail const& due, qint64 restSize)
+    bool isCutShort(RecordReader& reader, Tail const& due, qint64 restSize)
     {
-        auto const header = reader.headerAt(due.end);
+        auto const header = reader.finder().headerAt(due.end);
         return restSize < RecordHeader::Overhead || (header && header->length > restSize);
     }
 
@@ -38,7 +38,7 @@ namespace {
     {
         qint64 end = last.offset;
         for (int place = last.header.place; place > 0; --place) {
-            auto const record = reader.wholeEndingAt(end);
+            auto const record = reader.finder().wholeEndingAt(end);
             if (!record || record->header.place != place - 1 || !reader.goodAt(record->offset))
                 return false;
             end = record->offset;
@@ -46,7 +46,7 @@ namespace {
         return true;
     }
 
-    FileTail withRest(RecordReader const& reader, Tail const& tail, qint64 fileSize)
+    FileTail withRest(RecordReader& reader, Tail const& tail, qint64 fileSize)
     {
         FileTail result = {tail, fileSize, Verified::Intact};
         if (tail.end < fileSize)
@@ -54,10 +54,30 @@ namespace {
         return result;
     }
 
-    /// Two whole records of different writes, both bad: no crash leaves that, and nothing is gained by looking further.
+    /// Two whole records, both bad, that are not of one write: no crash leaves that, and nothing is gained by looking
+    /// further. The places within a write go down on the way, so there is an end to it.
     bool areOfOneWrite(WholeRecord const& earlier, std::optional<WholeRecord> const& later)
     {
-        return !later || earlier.header.index - earlier.header.place == later->header.index - later->header.place;
+        return !later
+            || (earlier.header.place < later->header.place
+                && earlier.header.index - earlier.header.place == later->header.index - later->header.place);
+    }
+
+    FileTail search(RecordReader& reader, FileHeader const& header)
+    {
+        qint64 const size = reader.fileSize();
+        std::optional<WholeRecord> bad;
+        qint64 end = size;
+        while (auto const record = reader.finder().lastWholeUpTo(end)) {
+            auto const good = reader.goodAt(record->offset);
+            if (good && isWriteWhole(reader, *good))
+                return withRest(reader, good->tail(), size);
+            if (!areOfOneWrite(*record, bad))
+                return {Tail::before(record->header, record->offset), size, Verified::RecordDamaged};
+            bad = record;
+            end = record->offset;
+        }
+        return withRest(reader, startOf(header), size);
     }
 
 } // namespace
@@ -68,8 +88,9 @@ qint64 FileTail::readableSize() const
     return tail.plainSize + (isSuspect ? std::max(restSize() - qint64(RecordHeader::Overhead), qint64(1)) : 0);
 }
 
-FileTail::Class classOfRest(RecordReader const& reader, Tail const& due)
+FileTail::Class classOfRest(RecordReader& reader, Tail const& due)
 {
+    reader.finder().forget();
     qint64 const restSize = reader.fileSize() - due.end;
     if (hasMisplacedRecord(reader, due))
         return Verified::RecordDamaged;
@@ -80,19 +101,10 @@ FileTail::Class classOfRest(RecordReader const& reader, Tail const& due)
 
 FileTail findTail(RecordReader& reader, FileHeader const& header)
 {
-    qint64 const size = reader.fileSize();
-    std::optional<WholeRecord> bad;
-    qint64 end = size;
-    while (auto const record = reader.lastWholeUpTo(end)) {
-        auto const good = reader.goodAt(record->offset);
-        if (good && isWriteWhole(reader, *good))
-            return withRest(reader, good->tail(), size);
-        if (!areOfOneWrite(*record, bad))
-            return {Tail::before(record->header, record->offset), size, Verified::RecordDamaged};
-        bad = record;
-        end = record->offset;
-    }
-    return withRest(reader, startOf(header), size);
+    reader.finder().forget();
+    FileTail result = search(reader, header);
+    reader.finder().forget();
+    return result;
 }
 
 } // namespace qv::encrypted

@@ -21,9 +21,11 @@ struct FileTail {
 };
 
 /// The class of the bytes from @p due.end to the file's end, where no good record begins.
-FileTail::Class classOfRest(RecordReader const& reader, Tail const& due);
+FileTail::Class classOfRest(RecordReader& reader, Tail const& due);
 
-/// Up to the last good record. Costs the same for any file, but for what follows that record.
+/// Up to the last good record. Costs the same for any file: a read at its end, one for the session and as many more as
+/// the last write has records. What follows that record, where something does, is searched through; see
+/// RecordFinder::lastWholeUpTo(). At most 65536 records with a bad tag are met on the way.
 FileTail findTail(RecordReader& reader, FileHeader const& header);
 
 } // namespace qv::encrypted

@@ -86,7 +86,8 @@ namespace {
             Verified::Class const result = isEmpty ? Verified::Intact : Verified::Torn;
             return isEmpty && anchor.isGiven ? notAnchored({0, 0, 0, {}}) : Verified{result, 0, 0, textOf(result)};
         }
-        RecordReader reader(fd, found->second.fileKey, RecordReader::Ahead);
+        RecordReader reader(fd, found->second.fileKey);
+        reader.finder().readAhead(65536);
         Tail start;
         start.tag = found->first.chainStart();
         bool const isAnchored = !anchor.isGiven || (anchor.isOf(found->first) && anchor.isPassedWith(start));

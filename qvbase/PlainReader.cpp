@@ -20,15 +20,15 @@ namespace {
     }
 
     /// What follows @p at, if it is what must follow.
-    std::optional<WholeRecord> after(RecordReader const& reader, Tail const& at)
+    std::optional<WholeRecord> after(RecordReader& reader, Tail const& at)
     {
-        auto const record = reader.wholeAt(at.end);
+        auto const record = reader.finder().wholeAt(at.end);
         return record && at.isContinuedBy(record->header) ? record : std::nullopt;
     }
 
-    std::optional<WholeRecord> before(RecordReader const& reader, Tail const& at)
+    std::optional<WholeRecord> before(RecordReader& reader, Tail const& at)
     {
-        auto const record = reader.wholeEndingAt(at.end);
+        auto const record = reader.finder().wholeEndingAt(at.end);
         return record && record->tail().isSamePlace(at) ? record : std::nullopt;
     }
 
@@ -44,7 +44,7 @@ namespace {
     }
 
     /// Record by record from @p at towards @p position; nothing where the way is damaged.
-    std::optional<WholeRecord> walk(RecordReader const& reader, Tail at, qint64 position)
+    std::optional<WholeRecord> walk(RecordReader& reader, Tail at, qint64 position)
     {
         bool const isForward = position >= at.plainSize;
         auto record = isForward ? after(reader, at) : before(reader, at);
@@ -78,6 +78,7 @@ GoodRecord const& PlainReader::recordAt(RecordReader& reader, Tail const& tail, 
 {
     if (holds(position))
         return m_current;
+    reader.finder().forget();
     for (Tail const& start : startsFor(tail, position)) {
         auto record = start.plainSize == position ? readOn(reader, start) : search(reader, start, position);
         if (record) {
