@@ -14,9 +14,12 @@ namespace {
 
     bool hasMisplacedRecord(RecordReader& reader, Tail const& due)
     {
+        int place = -1;
         auto record = reader.finder().firstWholeFrom(due.end);
-        while (record && record->isOfWriteAt(due))
+        while (record && record->isOfWriteAt(due) && record->header.place > place) {
+            place = record->header.place;
             record = reader.finder().firstWholeFrom(record->end());
+        }
         return record.has_value();
     }
 

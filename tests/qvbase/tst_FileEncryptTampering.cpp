@@ -48,6 +48,7 @@ private slots:
     void holeInTheLastWrite_data();
     void holeInTheLastWrite();
     void damagedEndIsNotWrittenBehind();
+    void recordRepeatedInTheLastWriteIsDamage();
     void suspectEndIsKeptAside();
     void anchorFinds_data();
     void anchorFinds();
@@ -234,6 +235,25 @@ void tst_FileEncryptTampering::damagedEndIsNotWrittenBehind()
     QVERIFY(!file->errorString().isEmpty());
     QCOMPARE(encrypted::rawBytes(name()), changed);
     QVERIFY(!QFile::exists(asideName()));
+}
+
+void tst_FileEncryptTampering::recordRepeatedInTheLastWriteIsDamage()
+{
+    constexpr int mebibyte = 1048576;
+    encrypted::setRawBytes(name(), m_file);
+    encrypted::appendAll(name(), {QByteArray(2 * mebibyte, 'x')});
+    // A session and two records by one write.
+    QVector<QByteArray> records = encrypted::recordsOf(encrypted::rawBytes(name()));
+    QCOMPARE(records.size(), recordCount + 3);
+    QByteArray& first = records[recordCount + 1];
+    first[100] = char(first[100] ^ 1);
+    encrypted::setRawBytes(name(), encrypted::joined(m_file, records));
+    QCOMPARE(int(encrypted::verified(name()).result), int(Verified::TornOrTampered));
+
+    records.append(records.last());
+    encrypted::setRawBytes(name(), encrypted::joined(m_file, records));
+    QCOMPARE(int(encrypted::verified(name()).result), int(Verified::RecordDamaged));
+    QVERIFY(!encrypted::device(name())->open(QIODevice::Append));
 }
 
 void tst_FileEncryptTampering::suspectEndIsKeptAside()
