@@ -259,9 +259,9 @@ void EncryptedFile::appendPiece(char const* text, qint64 size)
     Tail tail = m_tail.tail;
     bool hasWritten = false;
     try {
-        auto const& records = m_writer->seal(tail, text, size);
+        RecordWriter::Bytes const records = m_writer->seal(tail, text, size);
         hasWritten = true;
-        require(posix::writeAt(m_file.fd(), records.data(), qint64(records.size()), m_tail.tail.end));
+        require(posix::writeAt(m_file.fd(), records.data, records.size, m_tail.tail.end));
     } catch (Failure const&) {
         m_writer->endSession();
         // What cannot be cut off now is torn, and repaired by the next write.
@@ -393,9 +393,10 @@ void EncryptedFile::writeCopy(int copy, GoodRecord const& record, qint64 size)
     Tail tail = Tail::before(record.header, record.offset);
     tail.tag = m_reader->tagBefore(record.offset);
     m_writer->endSession();
-    auto const& records = m_writer->seal(tail, record.plain.constData(), size - qint64(record.header.plainOffset));
+    RecordWriter::Bytes const records
+        = m_writer->seal(tail, record.plain.constData(), size - qint64(record.header.plainOffset));
     m_writer->endSession();
-    require(posix::writeAt(copy, records.data(), qint64(records.size()), record.offset) && posix::syncData(copy));
+    require(posix::writeAt(copy, records.data, records.size, record.offset) && posix::syncData(copy));
 }
 
 } // namespace qv::encrypted

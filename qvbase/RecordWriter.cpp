@@ -30,9 +30,9 @@ RecordWriter::RecordWriter(SecretKey const& fileKey)
 {
 }
 
-std::vector<uchar> const& RecordWriter::seal(Tail& tail, char const* text, qint64 size)
+RecordWriter::Bytes RecordWriter::seal(Tail& tail, char const* text, qint64 size)
 {
-    m_buffer.clear();
+    m_used = 0;
     m_place = 0;
     for (qint64 done = 0; done < size;) {
         if (!m_session || isSpent())
@@ -41,7 +41,7 @@ std::vector<uchar> const& RecordWriter::seal(Tail& tail, char const* text, qint6
         sealData(tail, text + done, count);
         done += count;
     }
-    return m_buffer;
+    return {m_buffer.data(), qint64(m_used)};
 }
 
 bool RecordWriter::isSpent() const
@@ -71,8 +71,10 @@ RecordHeader RecordWriter::nextRecord(Tail const& tail, RecordType type, int pay
 
 uchar* RecordWriter::grow(RecordHeader const& header)
 {
-    size_t const begin = m_buffer.size();
-    m_buffer.resize(begin + header.length);
+    size_t const begin = m_used;
+    m_used += header.length;
+    if (m_used > m_buffer.size())
+        m_buffer.resize(m_used);
     uchar* const record = m_buffer.data() + begin;
     header.toBytes(record);
     return record;

@@ -15,11 +15,16 @@ public:
     /// What one seal() takes at most.
     static constexpr qint64 MaxSize = 16 * qint64(RecordHeader::MaxPayload);
 
+    struct Bytes {
+        uchar const* data;
+        qint64 size;
+    };
+
     explicit RecordWriter(SecretKey const& fileKey);
 
     /// The records that bring @p text behind @p tail, with a session record first where one is due; @p tail is then
     /// what follows them. Good until the next call.
-    std::vector<uchar> const& seal(Tail& tail, char const* text, qint64 size);
+    Bytes seal(Tail& tail, char const* text, qint64 size);
     /// The next record begins a new session. Needed where the bytes of the last seal() did not reach the file.
     void endSession() { m_session.reset(); }
     /// Whether the session's record stands in the file where it should, if there is one.
@@ -43,7 +48,9 @@ private:
 
     SecretKey m_fileKey;
     std::optional<Session> m_session;
+    /// Never shrinks, so that a record is written over the one before and not over zeros.
     std::vector<uchar> m_buffer;
+    size_t m_used = 0;
     /// Of the next record within the write.
     quint16 m_place = 0;
 };
