@@ -67,7 +67,7 @@ namespace {
         }
     }
 
-    Provided find(char const* name)
+    Provided findCipher(char const* name)
     {
         Provided result;
         // Kept for good, and the provider with it: devices of static objects may still write.
@@ -90,7 +90,7 @@ namespace {
 
     Provided const& provided()
     {
-        static Provided const found = find("AES-256-GCM");
+        static Provided const found = findCipher("AES-256-GCM");
         return found;
     }
 

@@ -66,7 +66,7 @@ namespace {
                 && earlier.header.index - earlier.header.place == later->header.index - later->header.place);
     }
 
-    FileTail search(RecordReader& reader, FileHeader const& header)
+    FileTail searchTail(RecordReader& reader, FileHeader const& header)
     {
         qint64 const size = reader.fileSize();
         std::optional<WholeRecord> bad;
@@ -105,7 +105,7 @@ FileTail::Class classOfRest(RecordReader& reader, Tail const& due)
 FileTail findTail(RecordReader& reader, FileHeader const& header)
 {
     reader.finder().forget();
-    FileTail result = search(reader, header);
+    FileTail result = searchTail(reader, header);
     reader.finder().forget();
     return result;
 }
