@@ -27,6 +27,8 @@ namespace {
         OSSL_FUNC_cipher_get_ctx_params_fn* get = nullptr;
         OSSL_FUNC_cipher_set_ctx_params_fn* set = nullptr;
         void* provider = nullptr;
+        /// Kept for good, and the provider with it: devices of static objects may still write.
+        EVP_CIPHER* cipher = nullptr;
 
         void take(OSSL_DISPATCH const& function);
         bool isComplete() const
@@ -70,11 +72,10 @@ namespace {
     Provided findCipher(char const* name)
     {
         Provided result;
-        // Kept for good, and the provider with it: devices of static objects may still write.
-        EVP_CIPHER const* const cipher = EVP_CIPHER_fetch(nullptr, name, nullptr);
-        if (!cipher)
+        result.cipher = EVP_CIPHER_fetch(nullptr, name, nullptr);
+        if (!result.cipher)
             return result;
-        OSSL_PROVIDER const* const provider = EVP_CIPHER_get0_provider(cipher);
+        OSSL_PROVIDER const* const provider = EVP_CIPHER_get0_provider(result.cipher);
         result.provider = OSSL_PROVIDER_get0_provider_ctx(provider);
         int noCache = 0;
         OSSL_ALGORITHM const* algorithm = OSSL_PROVIDER_query_operation(provider, OSSL_OP_CIPHER, &noCache);
