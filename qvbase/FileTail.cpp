@@ -95,7 +95,8 @@ FileTail::Class classOfRest(RecordReader& reader, Tail const& due)
 {
     reader.finder().forget();
     qint64 const restSize = reader.fileSize() - due.end;
-    if (hasMisplacedRecord(reader, due))
+    // An authentic record that does not follow was put there by somebody with the password.
+    if (reader.goodAt(due.end) || hasMisplacedRecord(reader, due))
         return Verified::RecordDamaged;
     if (isCutShort(reader, due, restSize) || reader.endsInZeros(std::min(restSize, qint64(RecordHeader::TagAndLength))))
         return Verified::Torn;

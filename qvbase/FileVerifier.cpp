@@ -66,7 +66,7 @@ namespace {
         for (qint64 size = 0; tail.end < size || tail.end < (size = reader.fileSize());) {
             auto const record = reader.goodAt(tail.end);
             if (!record || !tail.isContinuedBy(record->header)) {
-                Verified::Class const result = record ? Verified::RecordDamaged : classOfRest(reader, tail);
+                Verified::Class const result = classOfRest(reader, tail);
                 return {result, tail.end, qint64(tail.index), textOf(result)};
             }
             tail = record->tail();
