@@ -86,7 +86,10 @@ bool isPlain(QByteArray bytes)
     XmlScanner scanner;
     auto const isStartTag = [&](char byte) { return scanner.scan(byte) == XmlScanner::StartTag; };
     bool const isFlat = std::count_if(bytes.begin(), bytes.end(), isStartTag) <= 1;
-    return isFlat && !bytes.contains("<!") && bytes.count("<?") <= 1;
+    // A declaration that never ends hides the header: such a file is refused before its end is looked for.
+    int const declaration = bytes.indexOf("<?");
+    bool const isEnded = declaration < 0 || bytes.indexOf("?>", declaration) >= 0 || !bytes.contains('>');
+    return isFlat && isEnded && !bytes.contains("<!") && bytes.count("<?") <= 1;
 }
 
 /// A file that is read can be extended where it ends, and keeps what was read.
