@@ -7,35 +7,33 @@
 
 namespace qv::encrypted {
 
-/// AES-256-GCM under one key, keyed once for any number of texts. It calls the functions of libcrypto's provider, which
-/// EVP calls as well: EVP of OpenSSL 3.0 asks for the length of each nonce by name, and in all takes as long for a text
-/// of 250 bytes as the encryption does.
+/// AES-256-GCM (NIST SP 800-38D) under one key, keyed once for any number of texts. The block cipher and the hash are
+/// libcrypto's, which also has the whole mode behind EVP; but that takes twice as long for a text of 250 bytes, most of
+/// it for parameters that are looked up by name.
 class AesGcm {
 public:
-    enum Direction { Open, Seal };
     static constexpr int KeySize = 32;
     static constexpr int NonceSize = 12;
     static constexpr int TagSize = 16;
 
     /// Throws std::bad_alloc where there is no memory or no such cipher.
-    AesGcm(uchar const* key, Direction direction);
+    explicit AesGcm(uchar const* key);
+    AesGcm(AesGcm&& other) noexcept;
+    AesGcm& operator=(AesGcm&& other) noexcept;
+    ~AesGcm();
 
-    /// Each returns whether it succeeded. A text is begun, what is authenticated only is given before what is
-    /// encrypted too, and the tag ends it.
-    bool begin(uchar const* nonce);
-    bool associate(uchar const* bytes, int size);
-    bool process(uchar const* text, int size, uchar* to);
+    /// A text of @p size bytes is begun, what is authenticated only is given, then all of what is encrypted too, in one
+    /// piece, and the tag ends it. Whether all of it succeeded is what takeTag() and checkTag() return.
+    void begin(uchar const* nonce, int size);
+    void associate(uchar const* bytes, int size);
+    void encrypt(uchar const* text, int size, uchar* to);
+    void decrypt(uchar const* text, int size, uchar* to);
     bool takeTag(uchar* tag);
     bool checkTag(uchar const* tag);
 
 private:
-    bool finish();
-
-    struct Free {
-        void operator()(void* context) const;
-    };
-    std::unique_ptr<void, Free> m_context;
-    Direction m_direction;
+    struct State;
+    std::unique_ptr<State> m_state;
 };
 
 } // namespace qv::encrypted

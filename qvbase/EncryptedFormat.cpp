@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <qvbase/EncryptedFormat_p.h>
 
+#include <qvbase/Crc32c_p.h>
+
 #include <QtEndian>
 
 #include <algorithm>
@@ -22,25 +24,6 @@ namespace {
     }
     namespace record {
         constexpr int Type = 4, Place = 6, Index = 8, PlainOffset = 16, Session = 24, Number = 32, Crc = 40;
-    }
-
-    /// What a byte adds to the checksum, with 0 to 3 bytes behind it.
-    using CrcTables = std::array<std::array<quint32, 256>, 4>;
-
-    constexpr CrcTables crcTables()
-    {
-        CrcTables tables = {};
-        for (quint32 i = 0; i < 256; ++i) {
-            quint32 value = i;
-            for (int bit = 0; bit < 8; ++bit)
-                value = (value >> 1) ^ ((value & 1) ? 0x82F63B78u : 0);
-            tables[0][i] = value;
-        }
-        for (size_t i = 0; i < 256; ++i) {
-            for (size_t behind = 1; behind < 4; ++behind)
-                tables[behind][i] = (tables[behind - 1][i] >> 8) ^ tables[0][tables[behind - 1][i] & 0xFFu];
-        }
-        return tables;
     }
 
     template <typename Number> Number get(uchar const* from)
@@ -71,20 +54,6 @@ namespace {
     }
 
 } // namespace
-
-quint32 crc32c(uchar const* bytes, qint64 size)
-{
-    static constexpr CrcTables tables = crcTables();
-    quint32 value = 0xFFFFFFFFu;
-    for (; size >= 4; size -= 4, bytes += 4) {
-        value ^= get<quint32>(bytes);
-        value = tables[3][value & 0xFFu] ^ tables[2][(value >> 8) & 0xFFu] ^ tables[1][(value >> 16) & 0xFFu]
-            ^ tables[0][value >> 24];
-    }
-    for (; size > 0; --size, ++bytes)
-        value = (value >> 8) ^ tables[0][(value ^ *bytes) & 0xFFu];
-    return value ^ 0xFFFFFFFFu;
-}
 
 bool ScryptCost::isGranted() const
 {

@@ -14,8 +14,6 @@ namespace qv::encrypted {
 using Bytes32 = std::array<uchar, 32>;
 using Tag = std::array<uchar, 16>;
 
-quint32 crc32c(uchar const* bytes, qint64 size);
-
 struct ScryptCost {
     quint32 logN = 15;
     quint32 r = 8;

@@ -41,52 +41,76 @@ namespace {
         return context && EVP_KDF_derive(context.get(), key->data(), size_t(SecretKey::size()), parameters) == 1;
     }
 
-    using Mac = std::unique_ptr<EVP_MAC_CTX, decltype(&EVP_MAC_CTX_free)>;
+    using MacContext = std::unique_ptr<EVP_MAC_CTX, decltype(&EVP_MAC_CTX_free)>;
 
-    EVP_MAC_CTX* makeKeylessMac()
+    EVP_MAC_CTX* makeKeylessContext()
     {
         char digest[] = "SHA256";
         OSSL_PARAM const parameters[]
             = {OSSL_PARAM_construct_utf8_string(OSSL_MAC_PARAM_DIGEST, digest, 0), OSSL_PARAM_construct_end()};
         std::unique_ptr<EVP_MAC, decltype(&EVP_MAC_free)> const algorithm(
             EVP_MAC_fetch(nullptr, "HMAC", nullptr), EVP_MAC_free);
-        Mac made(algorithm ? EVP_MAC_CTX_new(algorithm.get()) : nullptr, EVP_MAC_CTX_free);
+        MacContext made(algorithm ? EVP_MAC_CTX_new(algorithm.get()) : nullptr, EVP_MAC_CTX_free);
         return made && EVP_MAC_CTX_set_params(made.get(), parameters) == 1 ? made.release() : nullptr;
     }
 
-    /// A copy of one without a key, which costs half of what looking the algorithms up does.
-    Mac newMac()
-    {
-        // Never destroyed: devices of static objects may still be opened.
-        static EVP_MAC_CTX const* const keyless = makeKeylessMac();
-        return Mac(keyless ? EVP_MAC_CTX_dup(keyless) : nullptr, EVP_MAC_CTX_free);
-    }
+    /// HMAC-SHA256, for one key after the other. Wipes the last of them.
+    class Hmac {
+    public:
+        Hmac();
+        /// Of @p bytes, under the 32 bytes of @p key.
+        void make(uchar const* key, void const* bytes, int size, uchar* to);
 
-    /// HMAC-SHA256 under 32 bytes of @p key.
-    void makeMac(uchar const* key, void const* bytes, size_t size, uchar* to)
+        /// The two steps of HKDF, RFC 5869, for keys as long as the hash.
+        SecretKey extract(SecretKey const& from, uchar const* salt);
+        SecretKey expand(SecretKey const& extracted, char const* info);
+
+    private:
+        MacContext m_context;
+    };
+
+    Hmac::Hmac()
+        : m_context(nullptr, EVP_MAC_CTX_free)
     {
-        Mac const mac = newMac();
-        size_t length = 0;
-        if (!mac || EVP_MAC_init(mac.get(), key, sizeof(Bytes32), nullptr) != 1
-            || EVP_MAC_update(mac.get(), static_cast<uchar const*>(bytes), size) != 1
-            || EVP_MAC_final(mac.get(), to, &length, sizeof(Bytes32)) != 1)
+        // Copied, which costs half of what looking the algorithms up does. Never destroyed: devices of static objects
+        // may still be opened.
+        static EVP_MAC_CTX const* const keyless = makeKeylessContext();
+        m_context.reset(keyless ? EVP_MAC_CTX_dup(keyless) : nullptr);
+        if (!m_context)
             throw std::bad_alloc();
     }
 
-    /// The two steps of HKDF, RFC 5869, for keys as long as the hash.
-    SecretKey extract(SecretKey const& from, uchar const* salt)
+    void Hmac::make(uchar const* key, void const* bytes, int size, uchar* to)
+    {
+        size_t length = 0;
+        if (EVP_MAC_init(m_context.get(), key, sizeof(Bytes32), nullptr) != 1
+            || EVP_MAC_update(m_context.get(), static_cast<uchar const*>(bytes), size_t(size)) != 1
+            || EVP_MAC_final(m_context.get(), to, &length, sizeof(Bytes32)) != 1)
+            throw std::bad_alloc();
+    }
+
+    SecretKey Hmac::extract(SecretKey const& from, uchar const* salt)
     {
         SecretKey key;
-        makeMac(salt, from.data(), size_t(SecretKey::size()), key.data());
+        make(salt, from.data(), SecretKey::size(), key.data());
         return key;
     }
 
-    SecretKey expand(SecretKey const& extracted, char const* info)
+    SecretKey Hmac::expand(SecretKey const& extracted, char const* info)
     {
         QByteArray const block = QByteArray(info) + '\x01';
         SecretKey key;
-        makeMac(extracted.data(), block.constData(), size_t(block.size()), key.data());
+        make(extracted.data(), block.constData(), block.size(), key.data());
         return key;
+    }
+
+    using Nonce = std::array<uchar, AesGcm::NonceSize>;
+
+    Nonce nonceOf(quint64 number)
+    {
+        Nonce nonce = {};
+        qToLittleEndian(number, nonce.data());
+        return nonce;
     }
 
 } // namespace
@@ -125,9 +149,10 @@ Credentials::~Credentials()
 
 FileKeys::FileKeys(SecretKey const& kek, Bytes32 const& fileId)
 {
-    SecretKey const extracted = extract(kek, fileId.data());
-    headerKey = expand(extracted, "header");
-    fileKey = expand(extracted, "file");
+    Hmac hmac;
+    SecretKey const extracted = hmac.extract(kek, fileId.data());
+    headerKey = hmac.expand(extracted, "header");
+    fileKey = hmac.expand(extracted, "file");
 }
 
 Bytes32 FileKeys::macOf(FileHeader const& header) const
@@ -160,7 +185,8 @@ std::optional<SecretKey> deriveKek(Credentials const& credentials, Bytes32 const
 
 SecretKey deriveSessionKey(SecretKey const& fileKey, uchar const* salt)
 {
-    return expand(extract(fileKey, salt), "session");
+    Hmac hmac;
+    return hmac.expand(hmac.extract(fileKey, salt), "session");
 }
 
 std::optional<Bytes32> randomBytes32()
@@ -176,41 +202,43 @@ std::optional<Bytes32> randomBytes32()
 Bytes32 sha256Mac(SecretKey const& key, QByteArray const& bytes)
 {
     Bytes32 mac = {};
-    makeMac(key.data(), bytes.constData(), size_t(bytes.size()), mac.data());
+    Hmac().make(key.data(), bytes.constData(), bytes.size(), mac.data());
     return mac;
 }
 
-RecordCipher::RecordCipher(SecretKey const& key, AesGcm::Direction direction)
-    : m_gcm(key.data(), direction)
+RecordCipher::RecordCipher(SecretKey const& key)
+    : m_gcm(key.data())
 {
-    if (direction == AesGcm::Seal && hooks().observer)
+    if (hooks().observer)
         m_observedKey = QByteArray(reinterpret_cast<char const*>(key.data()), SecretKey::size());
 }
 
-bool RecordCipher::process(quint64 number, Associated const& with, uchar const* text, int size, uchar* to)
+void RecordCipher::begin(Nonce const& nonce, Associated const& with, int size)
 {
-    std::array<uchar, AesGcm::NonceSize> nonce = {};
-    qToLittleEndian(number, nonce.data());
-    if (!m_observedKey.isEmpty())
-        hooks().observer(m_observedKey, QByteArray(reinterpret_cast<char const*>(nonce.data()), int(nonce.size())));
-
-    // In one piece: each call of libcrypto costs a tenth of a record.
+    m_gcm.begin(nonce.data(), size);
+    // In one piece: what is no multiple of a block is hashed byte by byte.
     std::array<uchar, RecordHeader::Length + sizeof(Tag)> associated;
     std::copy_n(with.previousTag, sizeof(Tag), std::copy_n(with.header, RecordHeader::Length, associated.begin()));
-    return m_gcm.begin(nonce.data()) && m_gcm.associate(associated.data(), int(associated.size()))
-        && (with.payloadSize == 0 || m_gcm.associate(with.payload, with.payloadSize))
-        && (size == 0 || m_gcm.process(text, size, to));
+    m_gcm.associate(associated.data(), int(associated.size()));
+    m_gcm.associate(with.payload, with.payloadSize);
 }
 
 bool RecordCipher::seal(quint64 number, Associated const& with, uchar const* text, int size, uchar* to, uchar* tag)
 {
-    return process(number, with, text, size, to) && m_gcm.takeTag(tag);
+    Nonce const nonce = nonceOf(number);
+    if (!m_observedKey.isEmpty())
+        hooks().observer(m_observedKey, QByteArray(reinterpret_cast<char const*>(nonce.data()), int(nonce.size())));
+    begin(nonce, with, size);
+    m_gcm.encrypt(text, size, to);
+    return m_gcm.takeTag(tag);
 }
 
 bool RecordCipher::open(
     quint64 number, Associated const& with, uchar const* text, int size, uchar* to, uchar const* tag)
 {
-    return process(number, with, text, size, to) && m_gcm.checkTag(tag);
+    begin(nonceOf(number), with, size);
+    m_gcm.decrypt(text, size, to);
+    return m_gcm.checkTag(tag);
 }
 
 } // namespace qv::encrypted

@@ -61,7 +61,7 @@ Bytes32 sha256Mac(SecretKey const& key, QByteArray const& bytes);
 /// AES-256-GCM under the key of one session, with one context for all its records.
 class RecordCipher {
 public:
-    RecordCipher(SecretKey const& key, AesGcm::Direction direction);
+    explicit RecordCipher(SecretKey const& key);
 
     /// What is authenticated beside the text: a record's header and the tag before it, then more in a session record.
     struct Associated {
@@ -77,7 +77,7 @@ public:
     bool open(quint64 number, Associated const& with, uchar const* text, int size, uchar* to, uchar const* tag);
 
 private:
-    bool process(quint64 number, Associated const& with, uchar const* text, int size, uchar* to);
+    void begin(std::array<uchar, AesGcm::NonceSize> const& nonce, Associated const& with, int size);
 
     AesGcm m_gcm;
     /// Empty unless a test observes.

@@ -2,10 +2,13 @@
 #include <qvbase/NamedFile_p.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <fcntl.h>
+#include <new>
 #include <sys/file.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
@@ -35,6 +38,21 @@ namespace {
             done += count;
         }
         return true;
+    }
+
+    using Number = std::atomic<quint64>;
+
+    /// Zero in this process and again in each that is forked from it; nothing where the system cannot do that.
+    Number* makeWiped()
+    {
+        void* const memory
+            = ::mmap(nullptr, sizeof(Number), PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        if (memory == MAP_FAILED)
+            return nullptr;
+        if (::madvise(memory, sizeof(Number), MADV_WIPEONFORK) == 0)
+            return new (memory) Number(0);
+        ::munmap(memory, sizeof(Number));
+        return nullptr;
     }
 
 } // namespace
@@ -131,12 +149,26 @@ std::chrono::milliseconds& lockWait()
     return wait;
 }
 
+quint64 processNumber()
+{
+    static Number* const wiped = makeWiped();
+    // Goes over a fork, so that no number comes twice in a line of processes.
+    static Number last(0);
+    if (!wiped)
+        return quint64(::getpid());
+    quint64 number = *wiped;
+    if (number != 0)
+        return number;
+    quint64 const fresh = ++last;
+    return wiped->compare_exchange_strong(number, fresh) ? fresh : number;
+}
+
 void NamedFile::attach(int fd, QByteArray const& path, int reopenFlags)
 {
     m_fd = fd;
     m_path = path;
     m_reopenFlags = reopenFlags;
-    m_process = ::getpid();
+    m_process = processNumber();
     rememberIdentity();
 }
 
@@ -173,7 +205,7 @@ bool NamedFile::reopen()
 /// The lock of a descriptor that came over a fork is shared with the parent: takes one of our own.
 bool NamedFile::parryFork(bool followName)
 {
-    if (::getpid() == m_process)
+    if (processNumber() == m_process)
         return true;
     m_locks = 0;
     if (!followName && !isNamed()) {
@@ -182,7 +214,7 @@ bool NamedFile::parryFork(bool followName)
     }
     if (!reopen())
         return false;
-    m_process = ::getpid();
+    m_process = processNumber();
     ++m_forks;
     return true;
 }
@@ -231,7 +263,7 @@ bool NamedFile::lockOutermost(bool followName)
 void NamedFile::unlock()
 {
     // A fork took no part in a lock that was held then.
-    if (m_locks == 0 || ::getpid() != m_process || --m_locks > 0)
+    if (m_locks == 0 || processNumber() != m_process || --m_locks > 0)
         return;
     int const error = errno;
     ::flock(m_fd, LOCK_UN);

@@ -45,6 +45,10 @@ private:
 
 int open(QByteArray const& path, int flags);
 
+/// Another one in each process that a fork made than in those it came from. As cheap as a variable where the system
+/// can wipe memory at a fork (Linux 4.14).
+quint64 processNumber();
+
 /// How long a lock is waited for: longer than any write takes, so that who holds it then will not give it back soon.
 constexpr std::chrono::milliseconds MaxLockWait{10000};
 /// The same, as tests may have shortened it.
@@ -87,7 +91,7 @@ private:
     int m_reopenFlags = 0;
     dev_t m_device = 0;
     ino_t m_inode = 0;
-    pid_t m_process = 0;
+    quint64 m_process = 0;
     int m_switches = 0;
     int m_forks = 0;
     int m_locks = 0;

@@ -12,7 +12,7 @@ namespace qv::encrypted {
 
 namespace {
 
-    constexpr size_t maxCiphers = 64;
+    constexpr size_t maxSessions = 64;
 
     QByteArray readAt(int fd, qint64 size, qint64 offset)
     {
@@ -103,12 +103,21 @@ bool RecordReader::open(GoodRecord& record, uchar const* from)
 
 bool RecordReader::openSession(GoodRecord const& record, RecordCipher::Associated const& with, uchar const* payload)
 {
-    RecordCipher cipher(deriveSessionKey(m_fileKey, payload), AesGcm::Open);
-    if (!cipher.open(record.header.number, with, nullptr, 0, nullptr, record.tag.data()))
+    auto const isAuthentic = [&](RecordCipher& cipher) {
+        return cipher.open(record.header.number, with, nullptr, 0, nullptr, record.tag.data());
+    };
+    Bytes32 salt = {};
+    std::copy_n(payload, salt.size(), salt.begin());
+    auto const known = m_sessions.find(record.offset);
+    if (known != m_sessions.end() && known->second.salt == salt)
+        return isAuthentic(known->second.cipher);
+
+    Session session = {salt, RecordCipher(deriveSessionKey(m_fileKey, payload))};
+    if (!isAuthentic(session.cipher))
         return false;
-    if (m_ciphers.size() >= maxCiphers)
-        m_ciphers.clear();
-    m_ciphers.insert_or_assign(record.offset, std::move(cipher));
+    if (m_sessions.size() >= maxSessions)
+        m_sessions.clear();
+    m_sessions.insert_or_assign(record.offset, std::move(session));
     return true;
 }
 
@@ -125,20 +134,20 @@ bool RecordReader::openData(GoodRecord& record, RecordCipher::Associated const& 
     if (tryOpen())
         return true;
     // The file may have been cut and gone on since: then another session begins there now.
-    return m_ciphers.erase(session) > 0 && tryOpen();
+    return m_sessions.erase(session) > 0 && tryOpen();
 }
 
 RecordCipher* RecordReader::cipherOf(qint64 session)
 {
-    auto known = m_ciphers.find(session);
-    if (known == m_ciphers.end()) {
+    auto known = m_sessions.find(session);
+    if (known == m_sessions.end()) {
         // The record that asks still stands in it.
         RecordFinder::Window const window = m_finder.window();
         goodAt(session);
         m_finder.setWindow(window);
-        known = m_ciphers.find(session);
+        known = m_sessions.find(session);
     }
-    return known == m_ciphers.end() ? nullptr : &known->second;
+    return known == m_sessions.end() ? nullptr : &known->second.cipher;
 }
 
 } // namespace qv::encrypted

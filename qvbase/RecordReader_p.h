@@ -42,11 +42,16 @@ private:
     bool openData(GoodRecord& record, RecordCipher::Associated const& with, uchar const* payload);
     RecordCipher* cipherOf(qint64 session);
 
+    struct Session {
+        Bytes32 salt;
+        RecordCipher cipher;
+    };
+
     int m_fd;
     SecretKey m_fileKey;
     RecordFinder m_finder;
     /// By where the session's record begins.
-    std::map<qint64, RecordCipher> m_ciphers;
+    std::map<qint64, Session> m_sessions;
 };
 
 } // namespace qv::encrypted

@@ -94,7 +94,7 @@ void RecordWriter::beginSession(Tail& tail)
     RecordHeader header = nextRecord(tail, RecordType::Session, int(salt->size()));
     header.session = quint64(tail.end);
     m_session.emplace(
-        Session{RecordCipher(deriveSessionKey(m_fileKey, salt->data()), AesGcm::Seal), tail.end, {}, 1, 0});
+        Session{RecordCipher(deriveSessionKey(m_fileKey, salt->data())), tail.end, {}, 1, 0});
 
     uchar* const record = grow(header);
     uchar* const payload = record + RecordHeader::Length;
