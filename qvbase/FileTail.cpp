@@ -36,17 +36,29 @@ namespace {
         return tail;
     }
 
-    /// Whether the records that came with the same write stand before @p last: a loss of power may leave its end alone.
+    /// Whether @p record continues the one before it. What is not there, or damaged, is not looked for.
+    bool followsOn(WholeRecord const& record, std::optional<WholeRecord> const& before)
+    {
+        if (record.offset == FileHeader::Length)
+            return Tail().isContinuedBy(record.header);
+        return !before || before->tail().isContinuedBy(record.header);
+    }
+
+    /// Whether the records that came with the same write stand before @p last, for a loss of power may leave its end
+    /// alone, and all of them in their order.
     bool isWriteWhole(RecordReader& reader, WholeRecord const& last)
     {
-        qint64 end = last.offset;
-        for (int place = last.header.place; place > 0; --place) {
-            auto const record = reader.finder().wholeEndingAt(end);
-            if (!record || record->header.place != place - 1 || !reader.goodAt(record->offset))
+        for (WholeRecord record = last;;) {
+            auto const before = reader.finder().wholeEndingAt(record.offset);
+            if (!followsOn(record, before))
                 return false;
-            end = record->offset;
+            int const place = record.header.place;
+            if (place == 0)
+                return true;
+            if (!before || before->header.place != place - 1 || !reader.goodAt(before->offset))
+                return false;
+            record = *before;
         }
-        return true;
     }
 
     FileTail withRest(RecordReader& reader, Tail const& tail, qint64 fileSize)

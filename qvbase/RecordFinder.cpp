@@ -38,8 +38,11 @@ namespace {
         quint32 const length = last ? lengthIn(last) : 0;
         if (!RecordHeader::isLength(length) || end - length < FileHeader::Length)
             return std::nullopt;
-        auto const record = wholeBy(bytesOf, end - length);
-        return record && record->end() == end ? record : std::nullopt;
+        WholeRecord record;
+        record.offset = end - length;
+        uchar const* const header = bytesOf(record.offset, RecordHeader::Length);
+        bool const isWhole = header && record.header.fromBytes(header, record.offset) && record.end() == end;
+        return isWhole ? std::make_optional(record) : std::nullopt;
     }
 
 } // namespace

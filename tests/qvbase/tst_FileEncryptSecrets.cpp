@@ -1,10 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <qvbase/EncryptedFiles.h>
-
-#include <QCryptographicHash>
-#include <QMessageAuthenticationCode>
-
-#include <openssl/evp.h>
+#include <qvbase/EncryptedKeys.h>
 
 #include <algorithm>
 #include <array>
@@ -99,36 +95,6 @@ private:
     QVector<Range> m_ranges;
 };
 
-/// Salts and ids that count up: 0 to 31 is the salt of the password, 32 to 63 the file's id.
-qv::FileEncryptTesting::RandomSource counting()
-{
-    return
-        [next = uchar(0)](uchar* bytes, int count) mutable { std::generate_n(bytes, count, [&] { return next++; }); };
-}
-
-QByteArray countingFrom(char first)
-{
-    QByteArray result;
-    while (result.size() < 32)
-        result += char(first + result.size());
-    return result;
-}
-
-QByteArray hmac(QByteArray const& key, QByteArray const& text)
-{
-    return QMessageAuthenticationCode::hash(text, key, QCryptographicHash::Sha256);
-}
-
-/// Of the file that alice makes with the password "secret" when random numbers count.
-QByteArray fileKey()
-{
-    QByteArray const salt = countingFrom(0) + "alice";
-    QByteArray kek(32, '\0');
-    EVP_PBE_scrypt("secret", 6, reinterpret_cast<uchar const*>(salt.constData()), size_t(salt.size()), 16, 1, 1, 0,
-        reinterpret_cast<uchar*>(kek.data()), size_t(kek.size()));
-    return hmac(hmac(countingFrom(32), kek), "file\1");
-}
-
 QByteArray outputOf(int pipe)
 {
     QFile file;
@@ -161,7 +127,7 @@ void tst_FileEncryptSecrets::init()
 {
     encrypted::useCheapKeys();
     qv::FileEncryptTesting::clearKeyCache();
-    qv::FileEncryptTesting::setRandomSource(counting());
+    qv::FileEncryptTesting::setRandomSource(encrypted::counting());
     m_folder = encrypted::folder();
 }
 
@@ -173,7 +139,7 @@ QByteArray tst_FileEncryptSecrets::maskedFileKey()
         return {};
     pid_t const child = ::fork();
     if (child == 0) {
-        QByteArray const key = masked(fileKey());
+        QByteArray const key = masked(encrypted::fileKey());
         ::_exit(::write(ends[1], key.constData(), size_t(key.size())) == key.size() ? 0 : 1);
     }
     ::close(ends[1]);
