@@ -93,8 +93,7 @@ void RecordWriter::beginSession(Tail& tail)
     requireCipher(salt.has_value());
     RecordHeader header = nextRecord(tail, RecordType::Session, int(salt->size()));
     header.session = quint64(tail.end);
-    m_session.emplace(
-        Session{RecordCipher(deriveSessionKey(m_fileKey, salt->data())), tail.end, {}, 1, 0});
+    m_session.emplace(Session{RecordCipher(deriveSessionKey(m_fileKey, salt->data())), tail.end, {}, 1, 0});
 
     uchar* const record = grow(header);
     uchar* const payload = record + RecordHeader::Length;

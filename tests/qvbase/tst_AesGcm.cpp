@@ -70,8 +70,7 @@ Sealed sealByEvp(QByteArray const& key, QByteArray const& nonce, QByteArray cons
         EVP_CIPHER_CTX_new(), EVP_CIPHER_CTX_free);
     int count = 0;
     uchar none = 0;
-    result.succeeded
-        = EVP_EncryptInit_ex2(context.get(), EVP_aes_256_gcm(), octets(key), octets(nonce), nullptr) == 1
+    result.succeeded = EVP_EncryptInit_ex2(context.get(), EVP_aes_256_gcm(), octets(key), octets(nonce), nullptr) == 1
         && EVP_EncryptUpdate(context.get(), nullptr, &count, octets(associated), associated.size()) == 1
         && EVP_EncryptUpdate(context.get(), octets(result.text), &count, octets(text), text.size()) == 1
         && EVP_EncryptFinal_ex(context.get(), &none, &count) == 1
@@ -117,8 +116,8 @@ void tst_AesGcm::sealsAsItsInventorsDo_data()
     QTest::newRow("case 14, one block") << zeros << zeros.left(12) << QByteArray() << zeros.left(16)
                                         << hex("cea7403d4d606b6e074ec5d3baf39d18")
                                         << hex("d0d1c8a799996bf0265b98b5d48ab919");
-    QTest::newRow("case 15, four blocks") << key << nonce << QByteArray() << text << sealedText
-                                          << hex("b094dac5d93471bdec1a502270e3cc6c");
+    QTest::newRow("case 15, four blocks")
+        << key << nonce << QByteArray() << text << sealedText << hex("b094dac5d93471bdec1a502270e3cc6c");
     QTest::newRow("case 16, part of a block and more authenticated")
         << key << nonce << hex("feedfacedeadbeeffeedfacedeadbeefabaddad2") << text.left(60) << sealedText.left(60)
         << hex("76fc6ece0f4e1768cddf8853bb2d551b");
@@ -145,8 +144,8 @@ void tst_AesGcm::sealsAsLibcryptoDoes_data()
     QTest::addColumn<int>("size");
     // Around a block, around what is enciphered in one call (64 blocks, the first of them for the tag), around what is
     // hashed in one (3072 bytes), and the largest record.
-    for (int const size : {1, 15, 16, 17, 250, 991, 992, 993, 1007, 1008, 1009, 1023, 1024, 1025, 2031, 2032, 2033, 3071,
-             3072, 3073, 4080, 6145, 100003, 1048576})
+    for (int const size : {1, 15, 16, 17, 250, 991, 992, 993, 1007, 1008, 1009, 1023, 1024, 1025, 2031, 2032, 2033,
+             3071, 3072, 3073, 4080, 6145, 100003, 1048576})
         QTest::addRow("%d bytes", size) << size;
 }
 

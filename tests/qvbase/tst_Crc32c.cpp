@@ -39,10 +39,9 @@ void tst_Crc32c::isThatOfTheStandard_data()
     QTest::newRow("32 ones") << QByteArray(32, '\xFF') << 0x62A8AB43u;
     QTest::newRow("ascending") << counted(0, 1) << 0x46DD794Eu;
     QTest::newRow("descending") << counted(31, -1) << 0x113FDB5Cu;
-    QTest::newRow("an iSCSI read command")
-        << QByteArray::fromHex("01c00000000000000000000000000000140000000000040000000014000000182800000000000000"
-                               "0200000000000000")
-        << 0xD9963A56u;
+    QTest::newRow("an iSCSI read command") << QByteArray::fromHex(
+        "01c00000000000000000000000000000140000000000040000000014000000182800000000000000"
+        "0200000000000000") << 0xD9963A56u;
     QTest::newRow("check value") << QByteArray("123456789") << 0xE3069283u;
     QTest::newRow("nothing") << QByteArray() << 0u;
 }
