@@ -25,114 +25,118 @@ namespace {
         return cipher;
     }
 
-    /// The enciphered counters of one text, in the order in which the mode asks for them. As many as there is room for
-    /// are enciphered in one call, which for twenty of them takes hardly longer than for one.
-    class KeyStream {
-    public:
-        explicit KeyStream(uchar const* key);
-        KeyStream(KeyStream const&) = delete;
-        KeyStream& operator=(KeyStream const&) = delete;
-        ~KeyStream();
+} // namespace
 
-        void begin(uchar const* nonce, int blocks);
-        void take(uchar* to);
-        void addTo(uchar const* text, uchar* to, size_t blocks);
-        /// Whether every call of the cipher succeeded since begin(), and no more was taken than that announced.
-        bool isGood() const { return m_isGood; }
+/// The enciphered counters of one text, in the order in which the mode asks for them. As many as there is room for
+/// are enciphered in one call, which for twenty of them takes hardly longer than for one.
+class KeyStream {
+public:
+    explicit KeyStream(uchar const* key);
+    KeyStream(KeyStream const&) = delete;
+    KeyStream& operator=(KeyStream const&) = delete;
+    ~KeyStream();
 
-    private:
-        void encipher(int blocks);
-        void refill();
+    void begin(uchar const* nonce, int blocks);
+    void take(uchar* to);
+    void addTo(uchar const* text, uchar* to, size_t blocks);
+    /// Whether every call of the cipher succeeded since begin(), and no more was taken than that announced.
+    bool isGood() const { return m_isGood; }
 
-        static constexpr int Room = 64;
-        /// As the cipher takes and leaves it.
-        struct Block {
-            std::array<quint32, 3> nonce;
-            quint32 bigEndianCounter;
-        };
-        static_assert(sizeof(Block) == blockSize);
+private:
+    void encipher(int blocks);
+    void refill();
 
-        EVP_CIPHER_CTX* m_cipher;
-        std::array<Block, Room> m_blocks = {};
-        std::array<quint32, 3> m_nonce = {};
-        quint32 m_counter = 0;
-        int m_used = 0;
-        int m_filled = 0;
-        int m_due = 0;
-        bool m_isGood = true;
+    static constexpr int Room = 64;
+    /// As the cipher takes and leaves it.
+    struct Block {
+        std::array<quint32, 3> nonce;
+        quint32 bigEndianCounter;
     };
+    static_assert(sizeof(Block) == blockSize);
 
-    KeyStream::KeyStream(uchar const* key)
-        : m_cipher(EVP_CIPHER_CTX_new())
-    {
-        m_isGood = m_cipher && EVP_EncryptInit_ex2(m_cipher, blockCipher(), key, nullptr, nullptr) == 1
-            && EVP_CIPHER_CTX_set_padding(m_cipher, 0) == 1;
-        // The hash key, which the mode asks for first: a block of zeros.
-        if (m_isGood)
-            encipher(1);
-    }
+    EVP_CIPHER_CTX* m_cipher;
+    std::array<Block, Room> m_blocks = {};
+    std::array<quint32, 3> m_nonce = {};
+    quint32 m_counter = 0;
+    int m_used = 0;
+    int m_filled = 0;
+    int m_due = 0;
+    bool m_isGood = true;
+};
 
-    KeyStream::~KeyStream()
-    {
-        OPENSSL_cleanse(m_blocks.data(), sizeof(m_blocks));
-        EVP_CIPHER_CTX_free(m_cipher);
-    }
+KeyStream::KeyStream(uchar const* key)
+    : m_cipher(EVP_CIPHER_CTX_new())
+{
+    m_isGood = m_cipher && EVP_EncryptInit_ex2(m_cipher, blockCipher(), key, nullptr, nullptr) == 1
+        && EVP_CIPHER_CTX_set_padding(m_cipher, 0) == 1;
+    // The hash key, which the mode asks for first: a block of zeros.
+    if (m_isGood)
+        encipher(1);
+}
 
-    void KeyStream::encipher(int blocks)
-    {
-        auto* const bytes = reinterpret_cast<uchar*>(m_blocks.data());
-        // Whole blocks need nothing of what EVP_EncryptUpdate() keeps from one call to the next.
-        m_isGood = EVP_Cipher(m_cipher, bytes, bytes, unsigned(blocks * blockSize)) > 0 && m_isGood;
-        m_used = 0;
-        m_filled = blocks;
-    }
+KeyStream::~KeyStream()
+{
+    OPENSSL_cleanse(m_blocks.data(), sizeof(m_blocks));
+    EVP_CIPHER_CTX_free(m_cipher);
+}
 
-    void KeyStream::begin(uchar const* nonce, int blocks)
-    {
-        std::memcpy(m_nonce.data(), nonce, sizeof(m_nonce));
-        m_counter = 1;
-        m_due = blocks;
-        m_isGood = true;
+void KeyStream::encipher(int blocks)
+{
+    auto* const bytes = reinterpret_cast<uchar*>(m_blocks.data());
+    // Whole blocks need nothing of what EVP_EncryptUpdate() keeps from one call to the next.
+    m_isGood = EVP_Cipher(m_cipher, bytes, bytes, unsigned(blocks * blockSize)) > 0 && m_isGood;
+    m_used = 0;
+    m_filled = blocks;
+}
+
+void KeyStream::begin(uchar const* nonce, int blocks)
+{
+    std::memcpy(m_nonce.data(), nonce, sizeof(m_nonce));
+    m_counter = 1;
+    m_due = blocks;
+    m_isGood = true;
+    refill();
+}
+
+void KeyStream::refill()
+{
+    m_isGood = m_isGood && m_due > 0;
+    int const blocks = std::clamp(m_due, 1, Room);
+    // On its own, so that it is not read again for each of them.
+    auto const nonce = m_nonce;
+    std::generate_n(m_blocks.begin(), blocks, [&nonce, counter = m_counter]() mutable {
+        return Block{nonce, qToBigEndian(counter++)};
+    });
+    m_counter += quint32(blocks);
+    m_due -= blocks;
+    encipher(blocks);
+}
+
+void KeyStream::take(uchar* to)
+{
+    if (m_used == m_filled)
         refill();
-    }
+    std::memcpy(to, &m_blocks[size_t(m_used++)], blockSize);
+}
 
-    void KeyStream::refill()
-    {
-        m_isGood = m_isGood && m_due > 0;
-        int const blocks = std::clamp(m_due, 1, Room);
-        // On its own, so that it is not read again for each of them.
-        auto const nonce = m_nonce;
-        std::generate_n(m_blocks.begin(), blocks, [&nonce, counter = m_counter]() mutable {
-            return Block{nonce, qToBigEndian(counter++)};
-        });
-        m_counter += quint32(blocks);
-        m_due -= blocks;
-        encipher(blocks);
-    }
-
-    void KeyStream::take(uchar* to)
-    {
+void KeyStream::addTo(uchar const* text, uchar* to, size_t blocks)
+{
+    while (blocks > 0) {
         if (m_used == m_filled)
             refill();
-        std::memcpy(to, &m_blocks[size_t(m_used++)], blockSize);
+        auto const count = std::min(blocks, size_t(m_filled - m_used));
+        auto const* const stream = reinterpret_cast<uchar const*>(&m_blocks[size_t(m_used)]);
+        size_t const size = count * blockSize;
+        for (size_t i = 0; i < size; i += sizeof(quint64))
+            qToUnaligned(qFromUnaligned<quint64>(text + i) ^ qFromUnaligned<quint64>(stream + i), to + i);
+        m_used += int(count);
+        blocks -= count;
+        text += size;
+        to += size;
     }
+}
 
-    void KeyStream::addTo(uchar const* text, uchar* to, size_t blocks)
-    {
-        while (blocks > 0) {
-            if (m_used == m_filled)
-                refill();
-            auto const count = std::min(blocks, size_t(m_filled - m_used));
-            auto const* const stream = reinterpret_cast<uchar const*>(&m_blocks[size_t(m_used)]);
-            size_t const size = count * blockSize;
-            for (size_t i = 0; i < size; i += sizeof(quint64))
-                qToUnaligned(qFromUnaligned<quint64>(text + i) ^ qFromUnaligned<quint64>(stream + i), to + i);
-            m_used += int(count);
-            blocks -= count;
-            text += size;
-            to += size;
-        }
-    }
+namespace {
 
     KeyStream& streamOf(void const* key)
     {
