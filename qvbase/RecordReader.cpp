@@ -74,20 +74,26 @@ bool RecordReader::endsInZeros(qint64 count) const
 
 std::optional<GoodRecord> RecordReader::goodAt(qint64 offset)
 {
+    GoodRecord record;
+    uchar const* const bytes = bytesOf(record, offset);
+    return bytes && open(record, bytes) ? std::make_optional(std::move(record)) : std::nullopt;
+}
+
+/// From the tag and length before the record on; nothing where it is not whole.
+uchar const* RecordReader::bytesOf(GoodRecord& record, qint64 offset)
+{
     // The tag before it is authenticated with it.
     qint64 const from = offset - RecordHeader::TagAndLength;
     uchar const* bytes = m_finder.bytesAt(from, RecordHeader::TagAndLength + RecordHeader::Length);
-    GoodRecord record;
     record.offset = offset;
     if (!bytes || !record.header.fromBytes(bytes + RecordHeader::TagAndLength, offset))
-        return std::nullopt;
+        return nullptr;
     quint32 const length = record.header.length;
     bytes = m_finder.bytesAt(from, qint64(RecordHeader::TagAndLength) + length);
     // Read again, it may have changed.
-    if (!bytes || !record.header.fromBytes(bytes + RecordHeader::TagAndLength, offset) || record.header.length != length
-        || qFromLittleEndian<quint32>(bytes + length + sizeof(Tag)) != length)
-        return std::nullopt;
-    return open(record, bytes) ? std::make_optional(std::move(record)) : std::nullopt;
+    bool const isWhole = bytes && record.header.fromBytes(bytes + RecordHeader::TagAndLength, offset)
+        && record.header.length == length && qFromLittleEndian<quint32>(bytes + length + sizeof(Tag)) == length;
+    return isWhole ? bytes : nullptr;
 }
 
 /// @p from the tag and length before the record.
@@ -143,7 +149,11 @@ RecordCipher* RecordReader::cipherOf(qint64 session)
     if (known == m_sessions.end()) {
         // The record that asks still stands in it.
         RecordFinder::Window const window = m_finder.window();
-        goodAt(session);
+        GoodRecord record;
+        uchar const* const bytes = bytesOf(record, session);
+        // A data record there would name another, and that the next: a way as deep as the file has records.
+        if (bytes && record.header.type == RecordType::Session)
+            open(record, bytes);
         m_finder.setWindow(window);
         known = m_sessions.find(session);
     }

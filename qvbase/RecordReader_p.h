@@ -37,6 +37,7 @@ public:
     std::optional<GoodRecord> goodAt(qint64 offset);
 
 private:
+    uchar const* bytesOf(GoodRecord& record, qint64 offset);
     bool open(GoodRecord& record, uchar const* from);
     bool openSession(GoodRecord const& record, RecordCipher::Associated const& with, uchar const* payload);
     bool openData(GoodRecord& record, RecordCipher::Associated const& with, uchar const* payload);

@@ -24,39 +24,49 @@ template <typename Number> QByteArray littleEndian(Number number)
     return bytes;
 }
 
-/// A data record of the session at the file's start, by itself in its write.
+/// A data record; its session is that at the file's start, and it is by itself in its write, unless told otherwise.
 struct Forged {
     quint64 index;
     quint64 plainOffset;
     quint64 number;
     QByteArray text;
+    quint16 place = 0;
+    quint64 session = encrypted::HeaderLength;
 
+    QByteArray length() const { return littleEndian(quint32(headerOfRecord + text.size() + tagAndLength)); }
+    QByteArray header() const;
     /// As it stands behind @p file, which ends in a record.
     QByteArray behind(QByteArray const& file) const;
+    /// The same with a wrong tag, as anybody can make it.
+    QByteArray withWrongTag() const { return header() + text + QByteArray(AesGcm::TagSize, '?') + length(); }
 };
+
+QByteArray Forged::header() const
+{
+    QByteArray const bytes = length() + littleEndian(quint16(2)) + littleEndian(place) + littleEndian(index)
+        + littleEndian(plainOffset) + littleEndian(session) + littleEndian(number);
+    return bytes + littleEndian(qv::crc32c(octets(bytes), bytes.size()));
+}
 
 QByteArray Forged::behind(QByteArray const& file) const
 {
-    QByteArray const length = littleEndian(quint32(headerOfRecord + text.size() + tagAndLength));
-    QByteArray header = length + littleEndian(quint16(2)) + littleEndian(quint16(0)) + littleEndian(index)
-        + littleEndian(plainOffset) + littleEndian(quint64(encrypted::HeaderLength)) + littleEndian(number);
-    header += littleEndian(qv::crc32c(octets(header), header.size()));
-    QByteArray const associated = header + file.right(tagAndLength).left(AesGcm::TagSize);
+    QByteArray const associated = header() + file.right(tagAndLength).left(AesGcm::TagSize);
     QByteArray const nonce = littleEndian(number) + QByteArray(4, '\0');
 
     QByteArray sealedText(text.size(), '\0');
     QByteArray tag(AesGcm::TagSize, '\0');
-    AesGcm gcm(octets(encrypted::sessionKey()));
+    static AesGcm gcm(octets(encrypted::sessionKey()));
     gcm.begin(octets(nonce), text.size());
     gcm.associate(octets(associated), associated.size());
     gcm.encrypt(octets(text), text.size(), reinterpret_cast<uchar*>(sealedText.data()));
     gcm.takeTag(reinterpret_cast<uchar*>(tag.data()));
-    return header + sealedText + tag + length;
+    return header() + sealedText + tag + length();
 }
 
 } // namespace
 
-/// Records that only somebody with the password can make: their tags are right where they stand.
+/// Records that no device writes. Most have the right tag where they stand, as only somebody with the password can make
+/// them.
 class tst_FileEncryptForged : public QObject {
     Q_OBJECT
 
@@ -66,8 +76,10 @@ private slots:
     void nextRecordIsTaken();
     void outOfOrderIsDamage_data();
     void outOfOrderIsDamage();
+    void recordsForSessionsAreDamage();
 
 private:
+    void expectDamage(QByteArray const& bytes) const;
     QString name() const { return m_folder->filePath(QStringLiteral("log.qvl")); }
 
     std::unique_ptr<QTemporaryDir> const m_folder = encrypted::folder();
@@ -111,8 +123,13 @@ void tst_FileEncryptForged::outOfOrderIsDamage()
     QFETCH(quint64, index);
     QFETCH(quint64, plainOffset);
     QByteArray const bytes = m_file + Forged{index, plainOffset, 3, "three"}.behind(m_file);
-    encrypted::setRawBytes(name(), bytes);
+    expectDamage(bytes);
+}
 
+/// At the first record behind what was written.
+void tst_FileEncryptForged::expectDamage(QByteArray const& bytes) const
+{
+    encrypted::setRawBytes(name(), bytes);
     Verified const result = encrypted::verified(name());
     QCOMPARE(int(result.result), int(Verified::RecordDamaged));
     QCOMPARE(result.record, qint64(3));
@@ -122,6 +139,20 @@ void tst_FileEncryptForged::outOfOrderIsDamage()
     QVERIFY(!encrypted::device(name())->open(QIODevice::Append));
     QCOMPARE(encrypted::rawBytes(name()), bytes);
     QVERIFY(!QFile::exists(name() + QStringLiteral(".torn")));
+}
+
+/// Each names the one before it as its session: whoever followed that would go as deep as there are records.
+void tst_FileEncryptForged::recordsForSessionsAreDamage()
+{
+    constexpr quint64 count = 100000;
+    QByteArray bytes = m_file;
+    quint64 before = encrypted::HeaderLength;
+    for (quint64 i = 3; i < count; ++i) {
+        auto const offset = quint64(bytes.size());
+        bytes += Forged{i, i + 3, i, "x", 0, before}.withWrongTag();
+        before = offset;
+    }
+    expectDamage(bytes);
 }
 
 QTEST_GUILESS_MAIN(tst_FileEncryptForged)
