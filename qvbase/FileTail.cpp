@@ -44,11 +44,12 @@ namespace {
         return !before || before->tail().isContinuedBy(record.header);
     }
 
-    /// Whether the records that came with the same write stand before @p last, for a loss of power may leave its end
-    /// alone, and all of them in their order.
-    bool isWriteWhole(RecordReader& reader, WholeRecord const& last)
+    /// Whether the records that came with the same write stand before @p record, for a loss of power may leave its end
+    /// alone, and all of them in their order. @p record is then the first of them that does: where the write is not
+    /// whole, none behind that is any better.
+    bool isWriteWhole(RecordReader& reader, WholeRecord& record)
     {
-        for (WholeRecord record = last;;) {
+        for (;;) {
             auto const before = reader.finder().wholeEndingAt(record.offset);
             if (!followsOn(record, before))
                 return false;
@@ -83,9 +84,9 @@ namespace {
         qint64 const size = reader.fileSize();
         std::optional<WholeRecord> bad;
         qint64 end = size;
-        while (auto const record = reader.finder().lastWholeUpTo(end)) {
+        while (auto record = reader.finder().lastWholeUpTo(end)) {
             auto const good = reader.goodAt(record->offset);
-            if (good && isWriteWhole(reader, *good))
+            if (good && isWriteWhole(reader, *record))
                 return withRest(reader, good->tail(), size);
             if (!areOfOneWrite(*record, bad))
                 return {Tail::before(record->header, record->offset), size, Verified::RecordDamaged};
