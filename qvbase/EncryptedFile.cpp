@@ -159,7 +159,12 @@ void EncryptedFile::refresh()
         return;
     m_plain.forget();
     m_isSettled = false;
-    m_tail = findTail(*m_reader, m_header);
+    // A fault at the end of a file that grows may be a write in progress; but faults may come without end, too.
+    constexpr int maxLooks = 100;
+    int looks = 0;
+    do
+        m_tail = findTail(*m_reader, m_header);
+    while (!m_tail.isClean() && m_reader->fileSize() != m_tail.fileSize && ++looks < maxLooks);
 }
 
 qint64 EncryptedFile::size()

@@ -35,6 +35,8 @@ struct State {
     std::vector<Event> events;
     Fault fault;
     long made = 0;
+    long intervention = 0;
+    std::function<void()> act;
 };
 
 State& state()
@@ -159,6 +161,8 @@ bool strikes(std::initializer_list<Fault::Calls> classes)
     if (std::find(classes.begin(), classes.end(), s.fault.calls) == classes.end())
         return false;
     long const number = s.made++;
+    if (s.act && number == s.intervention)
+        std::exchange(s.act, {})();
     return s.fault.count > 0 && number >= s.fault.first && number - s.fault.first < s.fault.count;
 }
 
@@ -336,9 +340,17 @@ void inject(Fault const& fault)
     state().made = 0;
 }
 
+void intervene(long call, std::function<void()> const& act)
+{
+    inject({});
+    state().intervention = call;
+    state().act = act;
+}
+
 long heal()
 {
     state().fault = {};
+    state().act = {};
     return state().made;
 }
 

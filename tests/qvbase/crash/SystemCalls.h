@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -53,5 +54,9 @@ CALLS_EXPORT void mark(int number);
 CALLS_EXPORT void inject(Fault const& fault);
 /// The cause is gone. Returns how many calls of the kind were made since inject(), failed ones included.
 CALLS_EXPORT long heal();
+
+/// Does @p act before the call of that number, counted from 0 from now on: what another process may do between two
+/// calls. Ends with heal().
+CALLS_EXPORT void intervene(long call, std::function<void()> const& act);
 
 } // namespace calls
