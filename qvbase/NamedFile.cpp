@@ -49,7 +49,9 @@ namespace {
             = ::mmap(nullptr, sizeof(Number), PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
         if (memory == MAP_FAILED)
             return nullptr;
-        if (::madvise(memory, sizeof(Number), MADV_WIPEONFORK) == 0)
+        // An emulated system may take any advice and follow none: where nonsense is not refused, nothing is believed.
+        constexpr int noAdvice = -1;
+        if (::madvise(memory, sizeof(Number), noAdvice) != 0 && ::madvise(memory, sizeof(Number), MADV_WIPEONFORK) == 0)
             return new (memory) Number(0);
         ::munmap(memory, sizeof(Number));
         return nullptr;
@@ -152,7 +154,7 @@ std::chrono::milliseconds& lockWait()
 quint64 processNumber()
 {
     static Number* const wiped = makeWiped();
-    // Goes over a fork, so that no number comes twice in a line of processes.
+    // Goes over a fork, so that none given before comes again behind it.
     static Number last(0);
     if (!wiped)
         return quint64(::getpid());

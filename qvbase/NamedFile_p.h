@@ -45,8 +45,8 @@ private:
 
 int open(QByteArray const& path, int flags);
 
-/// Another one in each process that a fork made than in those it came from. As cheap as a variable where the system
-/// can wipe memory at a fork (Linux 4.14).
+/// Tells a process from those it was forked off: what was returned before a fork is not returned behind it. As cheap as
+/// a variable where the system can wipe memory at a fork (Linux 4.14), else the number that the system has for it.
 quint64 processNumber();
 
 /// How long a lock is waited for: longer than any write takes, so that who holds it then will not give it back soon.

@@ -1,13 +1,19 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <qvbase/NamedFile_p.h>
 
+#include <QProcess>
 #include <QTest>
 
+#include <cerrno>
 #include <functional>
+#include <sys/mman.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
+
+constexpr char advice[] = "PROCESS_NUMBER_ADVICE";
 
 /// Whether @p holds in a process forked off this one.
 bool holdsInChild(std::function<bool()> const& holds)
@@ -21,12 +27,23 @@ bool holdsInChild(std::function<bool()> const& holds)
 
 } // namespace
 
+/// Stands before the system's: in a process that was started for it, as on a system that wipes nothing.
+extern "C" int madvise(void* address, size_t size, int what) noexcept
+{
+    if (!qEnvironmentVariableIsSet(advice))
+        return int(::syscall(SYS_madvise, address, size, what));
+    errno = EINVAL;
+    return qEnvironmentVariable(advice) == QLatin1String("ignored") ? 0 : -1;
+}
+
 class tst_ProcessNumber : public QObject {
     Q_OBJECT
 
 private slots:
     void staysWithinAProcess();
     void changesWithEveryFork();
+    void holdsWhereNothingIsWiped_data();
+    void holdsWhereNothingIsWiped();
 };
 
 void tst_ProcessNumber::staysWithinAProcess()
@@ -50,6 +67,27 @@ void tst_ProcessNumber::changesWithEveryFork()
     // A child that never asked does not keep its own from being told.
     QVERIFY(holdsInChild([own] { return holdsInChild([own] { return qv::posix::processNumber() != own; }); }));
     QCOMPARE(qv::posix::processNumber(), own);
+}
+
+void tst_ProcessNumber::holdsWhereNothingIsWiped_data()
+{
+    QTest::addColumn<QString>("how");
+    QTest::newRow("advice is refused") << QStringLiteral("refused");
+    QTest::newRow("any advice is taken and ignored") << QStringLiteral("ignored");
+}
+
+void tst_ProcessNumber::holdsWhereNothingIsWiped()
+{
+    QFETCH(QString, how);
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QLatin1String(advice), how);
+    process.setProcessEnvironment(environment);
+    process.start(QCoreApplication::applicationFilePath(),
+        {QStringLiteral("staysWithinAProcess"), QStringLiteral("changesWithEveryFork")});
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 0);
 }
 
 QTEST_GUILESS_MAIN(tst_ProcessNumber)
