@@ -48,6 +48,8 @@ public:
     void append(QByteArray const& bytes);
     void resize(int size);
     void reopen() { open(); }
+    /// Goes on with another device, as another process would, and with the first again at the next call.
+    void turn();
 
     bool isGood() const { return m_isGood; }
     /// What the file holds before the first step and after each.
@@ -60,6 +62,7 @@ private:
     Mode m_mode;
     QString m_path;
     std::unique_ptr<qv::FileEncrypt> m_device;
+    std::unique_ptr<qv::FileEncrypt> m_other;
     QVector<QByteArray> m_states;
     bool m_isGood = true;
 };
@@ -69,6 +72,13 @@ void Recording::open()
     m_device = std::make_unique<qv::FileEncrypt>(m_path);
     crash::prepare(*m_device, m_mode);
     m_isGood = m_device->open(QIODevice::ReadWrite | QIODevice::Append) && m_isGood;
+}
+
+void Recording::turn()
+{
+    std::swap(m_device, m_other);
+    if (!m_device)
+        open();
 }
 
 void Recording::step(QByteArray const& newState, std::function<bool()> const& act)
@@ -182,6 +192,17 @@ void reopenOften(Recording& recording)
     recording.append(text(90));
 }
 
+void takeTurns(Recording& recording)
+{
+    for (int size : {250, 600, 40, 300}) {
+        recording.append(text(size));
+        recording.turn();
+    }
+    recording.resize(890);
+    recording.turn();
+    recording.append(text(100));
+}
+
 void cutBetweenRecords(Recording& recording)
 {
     for (int size : {300, 200, 500})
@@ -207,6 +228,7 @@ void scripts()
     QTest::addColumn<Script>("script");
     QTest::newRow("records of many sizes") << Script(appendOften);
     QTest::newRow("opened again and again") << Script(reopenOften);
+    QTest::newRow("by two devices in turn") << Script(takeTurns);
     QTest::newRow("cut between records") << Script(cutBetweenRecords);
     QTest::newRow("cut within a record") << Script(cutWithinARecord);
 }
