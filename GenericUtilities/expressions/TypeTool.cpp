@@ -182,7 +182,8 @@ int TypeTool::compare(QVariant const& a, QVariant const& b)
         return difference(dateMicroSeconds(a), dateMicroSeconds(b));
     if (isList(a.type()) && isList(b.type()))
         return compareList(leading(a, elementCount(b)), leading(b, elementCount(a)));
-    if (isText(a) && isText(b) && (a.type() == b.type() || (mayConvert(a) && mayConvert(b))))
+    bool const areStrings = a.type() == QVariant::String && b.type() == QVariant::String;
+    if (areStrings || (isText(a) && isText(b) && mayConvert(a) && mayConvert(b)))
         return QString::compare(a.toString(), b.toString(), Qt::CaseSensitive);
     m_ok = false;
     return 0;
