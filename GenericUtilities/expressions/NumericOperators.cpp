@@ -2,7 +2,7 @@
 #include <GenericUtilities/expressions/NumericOperators.h>
 
 #include <GenericUtilities/expressions/NodeRules_p.h>
-#include <GenericUtilities/expressions/PatternBounds_p.h>
+#include <GenericUtilities/expressions/ValueCost_p.h>
 
 #include <QDateTime>
 #include <QTextStream>
@@ -148,6 +148,7 @@ QVariant UnaryOperator::evaluate(PropertySet const& properties, bool* isConstant
 {
     if (isTooDeep())
         return tooDeep(isConstant);
+    Evaluation const evaluation;
     report(isConstant, true);
     if (operands().isEmpty())
         return {};
@@ -165,7 +166,7 @@ QVariant UnaryOperator::evaluate(PropertySet const& properties, bool* isConstant
     } else if (TypeTool::isDate(value.type()) && isMinus) {
         result = QDateTime::fromSecsSinceEpoch(0);
         NumericOperator::apply(result, resultConstant, NumericOperator::Subtract, value, valueConstant);
-    } else if (isMinus && value.canConvert(QVariant::String)) {
+    } else if (isMinus && value.canConvert(QVariant::String) && mayConvert(value)) {
         result = TypeTool::invertString(value.toString());
     }
     report(isConstant, resultConstant);

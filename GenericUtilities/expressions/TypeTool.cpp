@@ -152,15 +152,15 @@ QVariant::Type TypeTool::coerceOtherTypes(QVariant const& a, QVariant const& b) 
 QString TypeTool::invertString(QString const& text)
 {
     // The terminator sorts a text after every longer one that begins with it.
-    constexpr ushort terminator = 0xFFFF;
-    QString inverted;
-    inverted.reserve(text.size() + 1);
-    for (QChar const unit : text) {
-        if (unit.unicode() != terminator)
-            inverted += QChar(static_cast<ushort>(~unit.unicode()));
-    }
+    constexpr QChar terminator(0xFFFF);
+    QString inverted = text;
+    inverted.remove(terminator);
     bool const wasInverted = inverted.size() != text.size();
-    return wasInverted ? inverted : inverted + QChar(terminator);
+    for (QChar& unit : inverted)
+        unit = QChar(static_cast<ushort>(~unit.unicode()));
+    if (!wasInverted)
+        inverted += terminator;
+    return inverted;
 }
 
 int TypeTool::compare(QVariant const& a, QVariant const& b)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <GenericUtilities/expressions/TypeToolRules_p.h>
 
+#include <GenericUtilities/expressions/ValueCost_p.h>
+
 #include <type_traits>
 
 namespace qvgen {
@@ -146,7 +148,8 @@ QVariant TypeTool::addOthers(QVariant const& a, QVariant const& b)
         return dateAdd(a, dateMicroSeconds(b));
     if (isDateWithPartner(b.type(), a.type()))
         return dateAdd(b, dateMicroSeconds(a));
-    if (isText(a) && isText(b))
+    // The sum of many texts copies what it has so far with each of them.
+    if (isText(a) && isText(b) && mayConvert(a) && mayConvert(b))
         return QString(a.toString() + b.toString());
     return fail();
 }

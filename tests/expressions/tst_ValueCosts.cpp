@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <GenericUtilities/expressions/NumericOperators.h>
+
+#include "Nodes.h"
+
+#include <QTest>
+
+using namespace qvgen;
+using namespace nodes;
+
+namespace {
+
+/// Two milliseconds are taken for each time that it is copied or converted.
+QString const millionLetters(1000000, QLatin1Char('a'));
+
+NumericOperator sumOf(int count, QVariant const& text)
+{
+    NumericOperator sum(NumericOperator::Add);
+    for (int i = 0; i < count; ++i)
+        sum.append(constant(text));
+    return sum;
+}
+
+} // namespace
+
+/// Work on values that might take too long: the 400 milliseconds that one evaluation has, and what comes out beyond.
+class TestValueCosts : public QObject {
+    Q_OBJECT
+
+private slots:
+    void sumOfTexts_data();
+    void sumOfTexts();
+    void sumsShareTheAllowance();
+    void minusOfTexts();
+};
+
+void TestValueCosts::sumOfTexts_data()
+{
+    QTest::addColumn<QVariant>("text");
+    QTest::newRow("text") << QVariant(millionLetters);
+    QTest::newRow("bytes") << QVariant(millionLetters.toLatin1());
+}
+
+// Each step takes 2 milliseconds for the text and 2 for each one before it: 18 * 21 = 378 for 19 texts.
+void TestValueCosts::sumOfTexts()
+{
+    QFETCH(QVariant, text);
+    QCOMPARE(sumOf(19, text).evaluate({}, nullptr).toString().size(), 19000000);
+    QCOMPARE(sumOf(20, text).evaluate({}, nullptr), QVariant());
+}
+
+// Of 14 texts: 13 * 16 = 208.
+void TestValueCosts::sumsShareTheAllowance()
+{
+    NumericOperator const sum = sumOf(14, millionLetters);
+    QVariantList const values = ExpressionList(sum, sum).evaluate({}, nullptr).toList();
+    QCOMPARE(values.size(), 2);
+    QCOMPARE(values.at(0).toString().size(), 14000000);
+    QCOMPARE(values.at(1), QVariant());
+}
+
+// 199 minus signs: 398 milliseconds, and a little for the unit that every other text ends with.
+void TestValueCosts::minusOfTexts()
+{
+    ExpressionHandle tree = constant(millionLetters);
+    for (int i = 0; i < 199; ++i)
+        tree = -tree;
+    QCOMPARE(tree.evaluate({}).toString().size(), 1000001);
+    QCOMPARE((-tree).evaluate({}, nullptr), QVariant());
+}
+
+QTEST_APPLESS_MAIN(TestValueCosts)
+#include "tst_ValueCosts.moc"
