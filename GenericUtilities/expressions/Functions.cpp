@@ -72,6 +72,25 @@ namespace {
             *stream << log->pre(warning) << "Function " << name << what << Qt::endl;
     }
 
+    // Drops each value that equals one before it. False where that would take too long: the number of comparisons
+    // grows with the square of that of the values.
+    bool dropRepeated(QList<QVariant>& values)
+    {
+        QList<QVariant> kept;
+        double keptNanoseconds = 0;
+        for (QVariant const& value : qAsConst(values)) {
+            double const ownNanoseconds = comparisonNanoseconds(value);
+            if (!Evaluation::allows(kept.size() * ownNanoseconds + keptNanoseconds))
+                return false;
+            if (TypeTool(false, false).contains(kept, value))
+                continue;
+            kept.append(value);
+            keptNanoseconds += ownNanoseconds;
+        }
+        values.swap(kept);
+        return true;
+    }
+
     ExpressionHandle call(char const* name, ExpressionList const& operands, bool distinct = false)
     {
         return FunctionExpression(QLatin1String(name), operands, distinct);
@@ -161,12 +180,12 @@ QVariant FunctionExpression::evaluate(PropertySet const& properties, bool* isCon
     values.reserve(operands().size());
     for (ExpressionHandle const& each : operands()) {
         bool constant = true;
-        QVariant const value = each.evaluate(properties, isConstant ? &constant : nullptr);
+        values.append(each.evaluate(properties, isConstant ? &constant : nullptr));
         if (!constant)
             report(isConstant, false);
-        if (!m_distinct || !TypeTool(false, false).contains(values, value))
-            values.append(value);
     }
+    if (m_distinct && !dropRepeated(values))
+        return {};
     auto const entry = functionMap().constFind(m_name);
     bool const isKnown = entry != functionMap().constEnd() && entry->evaluate;
     return isKnown && std::all_of(values.cbegin(), values.cend(), mayConvert) ? entry->evaluate(values) : QVariant();

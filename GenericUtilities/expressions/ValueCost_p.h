@@ -5,7 +5,7 @@
 
 #include <QVariant>
 
-/// What it costs to convert a value; not installed.
+/// What it costs to convert and to compare values; not installed.
 ///
 /// Trees from damaged or hostile streams convert one large value again and again: each time it is taken from the
 /// allowance of the evaluation at hand.
@@ -38,6 +38,22 @@ inline double conversionNanoseconds(QVariant const& value)
     default:
         return 0;
     }
+}
+
+/// An estimate of the part of @p value in one comparison with any other, the conversion of large ones apart.
+inline double comparisonNanoseconds(QVariant const& value)
+{
+    constexpr double perValue = 1000;
+    constexpr double perMoment = 10000; // from any time zone to UTC
+    double nanoseconds = perValue;
+    if (value.type() == QVariant::DateTime)
+        nanoseconds = perMoment;
+    else if (value.type() == QVariant::StringList)
+        nanoseconds += perValue * static_cast<double>(sizeOf<QStringList>(value));
+    else if (value.type() == QVariant::List)
+        for (QVariant const& element : *static_cast<QVariantList const*>(value.constData()))
+            nanoseconds += comparisonNanoseconds(element);
+    return nanoseconds;
 }
 
 /// Takes the conversion of @p value from the allowance; false where it may not be done.

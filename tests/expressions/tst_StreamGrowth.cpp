@@ -341,6 +341,7 @@ void TestStreamGrowth::oneMegabyte_data()
     row("list among lists of texts", membership(listOfInts(500000), constantRecord(hex("0000000b 00 00000001 00000002 0061"))));
     row("sum of texts", filled(record("0000001a", "N5qvgen15NumericOperatorE", "00000001 00000000 00000001"), textConstant(QStringLiteral("a"))));
     row("concatenated values", filled(function("group_concat"), golden::age()));
+    row("different values", filled(record("0000001d", "N5qvgen18FunctionExpressionE", "00000002") + text(QStringLiteral("count")) + hex("01 00000001"), [](int i) { return constantRecord(hex("00000002 00") + number(i)); }));
     row("greatest value", filled(function("min"), golden::five()));
     row("many patterns", filled(listHead, [](int i) { return function("like") + number(2) + textConstant(QStringLiteral("aaaa")) + textConstant(QString::number(i) + QStringLiteral("%a%a%b")); }));
     row("many regular expressions", filled(listHead, [](int i) { return function("regexp") + number(2) + textConstant(QString(40, 'a')) + textConstant(QString::number(i) + QStringLiteral("|(a{0,9}){0,9}b")); }));

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
+#include <GenericUtilities/expressions/Functions.h>
 #include <GenericUtilities/expressions/NumericOperators.h>
 
 #include "Nodes.h"
 
+#include <QDateTime>
 #include <QTest>
 
 using namespace qvgen;
@@ -21,6 +23,25 @@ NumericOperator sumOf(int count, QVariant const& text)
     return sum;
 }
 
+QDateTime moment(int second)
+{
+    return QDateTime::fromSecsSinceEpoch(second, Qt::UTC);
+}
+
+/// So many values, each different from the others.
+template <class Make> QVariantList different(int count, Make const& make)
+{
+    QVariantList values;
+    for (int i = 0; i < count; ++i)
+        values.append(QVariant(make(i)));
+    return values;
+}
+
+QVariant countOfDistinct(QVariantList const& values)
+{
+    return FunctionExpression(QStringLiteral("count"), ExpressionList(values), true).evaluate({}, nullptr);
+}
+
 } // namespace
 
 /// Work on values that might take too long: the 400 milliseconds that one evaluation has, and what comes out beyond.
@@ -32,6 +53,9 @@ private slots:
     void sumOfTexts();
     void sumsShareTheAllowance();
     void minusOfTexts();
+    void distinctValues_data();
+    void distinctValues();
+    void repeatedValues();
 };
 
 void TestValueCosts::sumOfTexts_data()
@@ -67,6 +91,37 @@ void TestValueCosts::minusOfTexts()
         tree = -tree;
     QCOMPARE(tree.evaluate({}).toString().size(), 1000001);
     QCOMPARE((-tree).evaluate({}, nullptr), QVariant());
+}
+
+// Among n numbers there are n * (n - 1) / 2 comparisons of 2 microseconds: 398.8 milliseconds for 632.
+void TestValueCosts::distinctValues_data()
+{
+    QTest::addColumn<QVariantList>("highest");
+    QTest::addColumn<QVariantList>("tooMany");
+    auto const row = [](char const* name, int highest, auto const& make) {
+        QTest::newRow(name) << different(highest, make) << different(highest + 1, make);
+    };
+    row("numbers", 632, [](int i) { return i; });
+    row("texts", 632, [](int i) { return QString(i, QLatin1Char('a')); });
+    // 20 microseconds for two moments, which may be of any time zone.
+    row("moments", 200, moment);
+    // 22 for two lists of a moment, 6 for two of two texts.
+    row("lists", 191, [](int i) { return QVariantList{moment(i)}; });
+    row("lists of texts", 365, [](int i) { return QStringList{QStringLiteral("a"), QString::number(i)}; });
+}
+
+void TestValueCosts::distinctValues()
+{
+    QFETCH(QVariantList, highest);
+    QFETCH(QVariantList, tooMany);
+    QCOMPARE(countOfDistinct(highest), QVariant(highest.size()));
+    QCOMPARE(countOfDistinct(tooMany), QVariant());
+}
+
+// Each of them is compared with one: 2 microseconds.
+void TestValueCosts::repeatedValues()
+{
+    QCOMPARE(countOfDistinct(different(100000, [](int) { return 5; })), QVariant(1));
 }
 
 QTEST_APPLESS_MAIN(TestValueCosts)
