@@ -2,6 +2,7 @@
 #include <GenericUtilities/expressions/ExpressionHandle.h>
 
 #include <GenericUtilities/expressions/Expression.h>
+#include <GenericUtilities/expressions/PatternBounds_p.h>
 
 #include <QTextStream>
 
@@ -72,6 +73,8 @@ void Expression::collectPlaceholders(QList<QVariant>&) const { }
 
 QString Expression::toString(PrintStyle style) const
 {
+    // Functions that print their value are evaluated.
+    Evaluation const evaluation;
     QString text;
     QTextStream stream(&text, QIODevice::ReadWrite);
     print(stream, style);
@@ -86,6 +89,7 @@ Expression::operator QString() const
 
 QList<QVariant> Expression::collectPlaceholders() const
 {
+    Evaluation const evaluation;
     QList<QVariant> values;
     collectPlaceholders(values);
     return values;
@@ -153,6 +157,7 @@ void ExpressionHandle::destroy(Expression* node)
 
 QTextStream& operator<<(QTextStream& out, ExpressionHandle expression)
 {
+    Evaluation const evaluation;
     expression.data()->print(out, Expression::StyleSql);
     return out;
 }

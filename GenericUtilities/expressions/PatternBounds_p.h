@@ -41,8 +41,9 @@ PatternShape shapeOf(QString const& pattern, QRegExp::PatternSyntax syntax);
 /// The shape of what a LIKE pattern becomes.
 PatternShape shapeOfLike(QString const& pattern);
 
-/// One evaluation of a tree, from the outermost operator down, on this thread. The patterns of one evaluation share an
-/// allowance of time, so that no tree, whatever its origin, keeps the process busy.
+/// One evaluation of a tree, from the outermost operator down, on this thread; or one printing of it, with all values
+/// that functions print. The patterns of one evaluation share an allowance of time, so that no tree, whatever its
+/// origin, keeps the process busy.
 class Evaluation {
 public:
     Evaluation();

@@ -5,6 +5,7 @@
 #include "Nodes.h"
 
 #include <QTest>
+#include <QTextStream>
 
 using namespace qvgen;
 using namespace nodes;
@@ -77,6 +78,7 @@ private slots:
     void thousandExpensiveTerms();
     void thousandDifferentPatterns();
     void nestedCallsShareTheAllowance();
+    void onePrintingHasAnAllowance();
     void refusedPatternsAreNotKept();
     void refusedIsUnknownToJunctions();
 };
@@ -264,6 +266,23 @@ void TestPatternBounds::nestedCallsShareTheAllowance()
     ExpressionHandle const four = coalesce(matchesOf(4, ::longestSubject, optionals));
     QCOMPARE(known(ExpressionList(four, regexp(constant(text("a")), text("a")))), 2);
     QCOMPARE(known(ExpressionList(four, regexp(constant(::longestSubject), optionals))), 1);
+}
+
+// A function without print function is evaluated to be printed.
+void TestPatternBounds::onePrintingHasAnAllowance()
+{
+    FunctionExpression::registerFunction("verdict", FunctionExpression::coalesce, nullptr, 1, 1);
+    matches(QString(), optionals);
+    ExpressionList list;
+    for (int i = 0; i < 5; ++i)
+        list.append(FunctionExpression(text("verdict"), matchesOf(1, ::longestSubject, optionals), false));
+    QString const four = text("'false','false','false','false',''");
+    QCOMPARE(list.toString(Sql), four);
+    QCOMPARE(list.collectPlaceholders(), (QVariantList{false, false, false, false, QVariant()}));
+    QString printed;
+    QTextStream stream(&printed);
+    stream << ExpressionHandle(list) << Qt::flush;
+    QCOMPARE(printed, four);
 }
 
 void TestPatternBounds::refusedPatternsAreNotKept()
