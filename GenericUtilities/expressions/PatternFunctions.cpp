@@ -133,7 +133,9 @@ QVariant FunctionExpression::like(QList<QVariant> const& values)
         return {};
     QString const subject = values.at(0).toString();
     QString const pattern = values.at(1).toString();
-    QString const escape = values.value(2).toString();
+    QString const givenEscape = values.value(2).toString();
+    // One that is longer stands nowhere in the pattern; in the key it would only take room.
+    QString const escape = givenEscape.size() <= pattern.size() ? givenEscape : QString();
     QString const key = likeKey(pattern, escape);
     PatternShape const shape = shapeOfLike(pattern);
     if (!isAffordable(shape, Qt::CaseSensitive, subject.size(), gLikeCache, key))

@@ -40,6 +40,7 @@ private slots:
     void entriesCostOne();
     void cachesDropTheOldest();
     void largePatternsDoNotFillTheCaches();
+    void largeEscapesDoNotFillTheCache();
     void clearedCachesAreFilledAgain();
 };
 
@@ -129,6 +130,17 @@ void TestPatternCaches::largePatternsDoNotFillTheCaches()
         QCOMPARE(matches(number, text("a?").repeated(140) + number), QVariant(true));
         QVERIFY(FunctionExpression::gLikeCache.size() + FunctionExpression::gRegExpCache.size() <= 20);
     }
+}
+
+void TestPatternCaches::largeEscapesDoNotFillTheCache()
+{
+    for (char const last : QByteArray("abc"))
+        QCOMPARE(isLike(text("ab"), text("a_"), text("a").repeated(1000000) + QLatin1Char(last)), QVariant(true));
+    QCOMPARE(isLike(text("ab"), text("a_"), text("a_a")), QVariant(true));
+    QCOMPARE(isLike(text("ab"), text("a_")), QVariant(true));
+    QCOMPARE(FunctionExpression::gLikeCache.size(), 1);
+    QCOMPARE(isLike(text("ab"), text("a_"), text("a_")), QVariant(false));
+    QCOMPARE(FunctionExpression::gLikeCache.size(), 2);
 }
 
 void TestPatternCaches::clearedCachesAreFilledAgain()
