@@ -10,6 +10,7 @@
 struct Counts {
     int clones = 0;
     int evaluations = 0;
+    int flagRequests = 0; ///< evaluations that ask whether the value is constant
     int prints = 0;
     int writes = 0;
     int alive = 0;
@@ -42,8 +43,10 @@ public:
     QVariant evaluate(qvgen::PropertySet const&, bool* isConstant) const override
     {
         ++m_counts.evaluations;
-        if (isConstant)
+        if (isConstant) {
+            ++m_counts.flagRequests;
             *isConstant = m_isConstant;
+        }
         return m_value;
     }
     CountingNode* clone() const override

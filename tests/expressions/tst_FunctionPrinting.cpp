@@ -130,6 +130,7 @@ void TestFunctionPrinting::print_data()
     row("lacking operand", call("abs", {}), Sql, "abs()");
     row("unknown name, plain", call("nosuch", {x}), Plain, "nosuch(x)");
     row("unknown name in code", call("nosuch", {x}), Code, "nosuch(x)");
+    row("unknown name in SQL is its value, an invalid one", call("nosuch", {x}), Sql, "''");
 
     row("like", like(x, QStringLiteral("p")), Sql, "(x LIKE 'p')");
     row("like with escape", like(name, pattern, backslash), Sql, "(name LIKE 'a%' ESCAPE '\\')");

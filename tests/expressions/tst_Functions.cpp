@@ -56,6 +56,7 @@ private slots:
     void randomIsTheLibrarysRand();
 
     void operandsAreEvaluatedOnceInOrder();
+    void operandsAreAskedForConstnessAsTheCallIs();
     void constness_data();
     void constness();
     void unregisteredNameHasNoValue();
@@ -327,6 +328,17 @@ void TestFunctions::operandsAreEvaluatedOnceInOrder()
         = callOn("group_concat", {counted(counts, "a"), counted(counts, "b"), counted(counts, "a")}, true);
     QCOMPARE(node.evaluate({}), QVariant(QStringLiteral(",a,b")));
     QCOMPARE(counts.evaluations, 3);
+}
+
+void TestFunctions::operandsAreAskedForConstnessAsTheCallIs()
+{
+    Counts counts;
+    ExpressionHandle const node = callOn("count", {counted(counts, 1)});
+    node.evaluate({});
+    QCOMPARE(counts.flagRequests, 0);
+    bool isConstant = false;
+    node.evaluate({}, &isConstant);
+    QCOMPARE(counts.flagRequests, 1);
 }
 
 void TestFunctions::constness_data()

@@ -261,6 +261,7 @@ void TestNumericOperators::reportsConstnessOfFirstOperand_data()
 {
     QTest::addColumn<Operands>("operands");
     QTest::addColumn<bool>("isConstant");
+    QTest::newRow("no operands") << Operands{} << true;
     QTest::newRow("all constant") << Operands{constant(1), constant(2)} << true;
     QTest::newRow("first constant") << Operands{constant(1), variable(2)} << true;
     QTest::newRow("second constant") << Operands{variable(1), constant(2)} << false;
