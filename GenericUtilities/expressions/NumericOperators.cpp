@@ -64,11 +64,16 @@ NumericOperator& NumericOperator::append(ExpressionHandle operand)
     return *this;
 }
 
+NumericOperator& NumericOperator::extend(NumOp op, ExpressionHandle const& operand)
+{
+    if (m_op == op)
+        return append(operand);
+    return *this = NumericOperator(*this, op, operand);
+}
+
 NumericOperator NumericOperator::joined(NumOp op, ExpressionHandle const& operand) const
 {
-    if (m_op != op)
-        return {*this, op, operand};
-    return NumericOperator(*this).append(operand);
+    return NumericOperator(*this).extend(op, operand);
 }
 
 ExpressionHandle NumericOperator::join(ExpressionList const& operands, NumOp op)

@@ -22,14 +22,14 @@ public:
 
     /// Append to an operator of the same kind; one of another kind becomes the first operand of a new one.
     ///@{
-    NumericOperator& operator+=(ExpressionHandle operand) { return *this = joined(Add, operand); }
-    NumericOperator& operator-=(ExpressionHandle operand) { return *this = joined(Subtract, operand); }
-    NumericOperator& operator*=(ExpressionHandle operand) { return *this = joined(Multiply, operand); }
-    NumericOperator& operator/=(ExpressionHandle operand) { return *this = joined(Divide, operand); }
-    NumericOperator& operator%=(ExpressionHandle operand) { return *this = joined(Modulo, operand); }
-    NumericOperator& operator&=(ExpressionHandle operand) { return *this = joined(BitAnd, operand); }
-    NumericOperator& operator|=(ExpressionHandle operand) { return *this = joined(BitOr, operand); }
-    NumericOperator& operator^=(ExpressionHandle operand) { return *this = joined(BitXor, operand); }
+    NumericOperator& operator+=(ExpressionHandle operand) { return extend(Add, operand); }
+    NumericOperator& operator-=(ExpressionHandle operand) { return extend(Subtract, operand); }
+    NumericOperator& operator*=(ExpressionHandle operand) { return extend(Multiply, operand); }
+    NumericOperator& operator/=(ExpressionHandle operand) { return extend(Divide, operand); }
+    NumericOperator& operator%=(ExpressionHandle operand) { return extend(Modulo, operand); }
+    NumericOperator& operator&=(ExpressionHandle operand) { return extend(BitAnd, operand); }
+    NumericOperator& operator|=(ExpressionHandle operand) { return extend(BitOr, operand); }
+    NumericOperator& operator^=(ExpressionHandle operand) { return extend(BitXor, operand); }
     ///@}
 
     /// The same on a copy: `a + b + c` is one operator of three operands.
@@ -62,6 +62,7 @@ public:
     void read(QDataStream& in) override;
 
 private:
+    NumericOperator& extend(NumOp op, ExpressionHandle const& operand);
     NumericOperator joined(NumOp op, ExpressionHandle const& operand) const;
 
     NumOp m_op;

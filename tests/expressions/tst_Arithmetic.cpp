@@ -86,6 +86,7 @@ private slots:
     void assigning();
     void assigningFourOperands();
     void assigningItself();
+    void assigningManyOperands();
     void appendReturnsTheObject();
 
     void joinOfNothing();
@@ -296,6 +297,15 @@ void TestArithmetic::assigningItself()
     QCOMPARE(node.toString(Sql), QStringLiteral("a+b+(a+b)"));
     node *= node;
     QCOMPARE(node.toString(Sql), QStringLiteral("(a+b+(a+b))*(a+b+(a+b))"));
+}
+
+// Each one appended: to copy those before with it would take minutes.
+void TestArithmetic::assigningManyOperands()
+{
+    NumericOperator node(NumericOperator::Add);
+    for (int i = 0; i < 100000; ++i)
+        node += a;
+    QCOMPARE(node.operands().size(), 100000);
 }
 
 void TestArithmetic::appendReturnsTheObject()
