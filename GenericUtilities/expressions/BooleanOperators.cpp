@@ -2,7 +2,7 @@
 #include <GenericUtilities/expressions/BooleanOperators.h>
 
 #include <GenericUtilities/expressions/NodeRules_p.h>
-#include <GenericUtilities/expressions/PatternBounds_p.h>
+#include <GenericUtilities/expressions/ValueCost_p.h>
 
 #include <QTextStream>
 
@@ -106,7 +106,7 @@ QVariant BooleanOperator::evaluate(PropertySet const& properties, bool* isConsta
         QVariant const value = each.evaluate(properties, &constant);
         if (!constant)
             report(isConstant, false);
-        if (value.canConvert(QVariant::Bool)) {
+        if (value.canConvert(QVariant::Bool) && mayConvert(value)) {
             if (value.toBool() != row->valueWithoutOperands)
                 return !row->valueWithoutOperands;
         } else if (row->unknownDecides) {
@@ -150,7 +150,7 @@ QVariant NotOperator::evaluate(PropertySet const& properties, bool* isConstant) 
         return {};
     }
     QVariant const value = operand(0).evaluate(properties, isConstant);
-    return value.canConvert(QVariant::Bool) ? QVariant(!value.toBool()) : QVariant();
+    return value.canConvert(QVariant::Bool) && mayConvert(value) ? QVariant(!value.toBool()) : QVariant();
 }
 
 NotOperator* NotOperator::clone() const

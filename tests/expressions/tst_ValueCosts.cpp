@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
+#include <GenericUtilities/expressions/BooleanOperators.h>
 #include <GenericUtilities/expressions/Functions.h>
 #include <GenericUtilities/expressions/NumericOperators.h>
 
@@ -53,6 +54,7 @@ private slots:
     void sumOfTexts();
     void sumsShareTheAllowance();
     void minusOfTexts();
+    void textsAsTruthValues();
     void distinctValues_data();
     void distinctValues();
     void repeatedValues();
@@ -91,6 +93,23 @@ void TestValueCosts::minusOfTexts()
         tree = -tree;
     QCOMPARE(tree.evaluate({}).toString().size(), 1000001);
     QCOMPARE((-tree).evaluate({}, nullptr), QVariant());
+}
+
+// Each of them is in lower case once it is compared with "false".
+void TestValueCosts::textsAsTruthValues()
+{
+    BooleanOperator conjunction(BooleanOperator::And);
+    ExpressionList negations;
+    for (int i = 0; i < 200; ++i) {
+        conjunction.append(constant(millionLetters));
+        negations.append(!constant(millionLetters));
+    }
+    QCOMPARE(conjunction.evaluate({}, nullptr), QVariant(true));
+    QCOMPARE(negations.evaluate({}, nullptr).toList().count(QVariant(false)), 200);
+    conjunction.append(constant(millionLetters));
+    negations.append(!constant(millionLetters));
+    QCOMPARE(conjunction.evaluate({}, nullptr), QVariant());
+    QCOMPARE(negations.evaluate({}, nullptr).toList().last(), QVariant());
 }
 
 // Among n numbers there are n * (n - 1) / 2 comparisons of 2 microseconds: 398.8 milliseconds for 632.
