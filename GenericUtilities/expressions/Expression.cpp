@@ -79,7 +79,8 @@ void ConstExpression::printValue(QTextStream& out, QVariant const& value, PrintS
     if (style & StylePlaceholders)
         out << '?';
     else if (TypeTool::isDate(value.type()) && isSql)
-        out << TypeTool::dateMicroSeconds(value);
+        // As text: the locale and the base that the stream has for numbers are not those of SQL.
+        out << QString::number(TypeTool::dateMicroSeconds(value));
     else if (TypeTool::isNumeric(value.type()) || TypeTool::isDate(value.type()))
         out << stringValue(value);
     else if (isSql)

@@ -5,7 +5,9 @@
 #include "CountingNode.h"
 #include "Nodes.h"
 
+#include <QLocale>
 #include <QTest>
+#include <QTextStream>
 
 #include <type_traits>
 
@@ -55,6 +57,7 @@ private slots:
     void emptiness();
 
     void textFormsAreSql();
+    void numberFormatOfTheStreamIsNotUsed();
     void copyStartsWithoutHandles();
     void assignmentLeavesTheCount();
     void clientNodeWithoutPlaceholders();
@@ -282,6 +285,18 @@ void TestExpression::textFormsAreSql()
     out.flush();
     QCOMPARE(QString(node), QStringLiteral("'it''s'"));
     QCOMPARE(streamed, QStringLiteral("'it''s'"));
+}
+
+void TestExpression::numberFormatOfTheStreamIsNotUsed()
+{
+    QString text;
+    QTextStream out(&text);
+    out.setLocale(QLocale(QLocale::German, QLocale::Germany));
+    out << ExpressionList(constant(QDate(1970, 1, 2)), constant(2.5)) << ';';
+    out.setIntegerBase(16);
+    out << ExpressionList(constant(QDate(1970, 1, 2)), constant(255));
+    out.flush();
+    QCOMPARE(text, QStringLiteral("86400000000,2.5;86400000000,255"));
 }
 
 void TestExpression::copyStartsWithoutHandles()
