@@ -358,6 +358,9 @@ void TestCastsAndLists::operatorsEqualByTheirOperands()
     bare.append(constant(1));
     BareOperator const same = bare;
     QVERIFY(bare.equals(&same));
+    ExpressionList const list(ExpressionHandle(constant(1)));
+    QVERIFY(bare.equals(&list)); // any operator will do
+    QVERIFY(!list.equals(&bare));
     bare.append(constant(2));
     QVERIFY(!bare.equals(&same));
     QCOMPARE(bare.toString(Sql), QStringLiteral("1~2"));

@@ -74,6 +74,8 @@ private slots:
     void reads();
     void operatorIsWriteExpression();
     void switchIsWritten();
+    void keyEndsAtItsFirstZero_data();
+    void keyEndsAtItsFirstZero();
     void unknownKey_data();
     void unknownKey();
     void unknownKeyInside();
@@ -213,6 +215,22 @@ void TestStreamFormat::switchIsWritten()
 {
     QCOMPARE(stream::written(theSwitch(), Old).toHex(' '), switchRecord().toHex(' '));
     QCOMPARE(stream::written(theSwitch(), Recent).toHex(' '), switchRecord().toHex(' '));
+}
+
+void TestStreamFormat::keyEndsAtItsFirstZero_data()
+{
+    QTest::addColumn<QByteArray>("key");
+    QTest::newRow("as written") << hex("0000001a") + QByteArray("N5qvgen15ConstExpressionE\0", 26);
+    QTest::newRow("no zero") << hex("00000019") + QByteArray("N5qvgen15ConstExpressionE");
+    QTest::newRow("bytes behind the zero") << hex("0000001c") + QByteArray("N5qvgen15ConstExpressionE\0EE", 28);
+}
+
+void TestStreamFormat::keyEndsAtItsFirstZero()
+{
+    QFETCH(QByteArray, key);
+    Reading const reading = stream::read(key + hex("00000001 01 00000002 00 00000005"), Recent);
+    QVERIFY(reading.tree.equals(placeholder(5)));
+    QCOMPARE(reading.status, QDataStream::Ok);
 }
 
 void TestStreamFormat::unknownKey_data()

@@ -8,6 +8,8 @@
 
 #include <QTest>
 
+#include <limits>
+
 using namespace qvgen;
 using namespace nodes;
 
@@ -22,6 +24,8 @@ PropertySet someProperties()
 {
     PropertySet set;
     add<IntProperty>(set, "camera", 2);
+    add<VariantProperty>(set, "highest signed", QVariant(std::numeric_limits<qlonglong>::max()));
+    add<U64Property>(set, "one more", 1ULL << 63);
     return set;
 }
 
@@ -76,6 +80,9 @@ void TestSwitchCase::printed_data()
     row("searched pairs and default",
         searched().switchCase(value("c"), value("x")).switchCase(value("d"), value("y")).defaultCase(value("z")),
         "CASE  WHEN c THEN x WHEN d THEN y ELSE z END", "if (c) return x;\nelse if (d) return y;\nelse return z");
+    row("selector and default that are empty nodes",
+        SwitchCase(value("")).switchCase(value("c"), value("x")).defaultCase(constant(QVariant())),
+        "CASE  WHEN c THEN x END", "if (c) return x;\n");
     row("ifThen", ifThen(value("c"), value("a"), value("b")), "CASE  WHEN c THEN a ELSE b END",
         "if (c) return a;\nelse return b");
     row("ifThen without else", ifThen(value("c"), value("a"), {}), "CASE  WHEN c THEN a END", "if (c) return a;\n");
@@ -130,6 +137,11 @@ void TestSwitchCase::values_data()
         QStringLiteral("z"));
     row("missing selector matches no missing case",
         SwitchCase(value("missing")).switchCase(value("gone"), text("x")).defaultCase(text("z")), QStringLiteral("z"));
+    // As numbers of one type, doubles, the two are the same; what is no constant keeps its type.
+    row("selector and cases count as constants, which may change their type",
+        SwitchCase(value("highest signed")).switchCase(value("one more"), text("x")).defaultCase(text("z")),
+        QStringLiteral("x"));
+    row("default without a value", camera().defaultCase(constant(QVariant())), QVariant());
     row("result is a reference", camera().switchCase(constant(2), value("camera")), 2);
     row("result is a missing property", camera().switchCase(constant(2), value("missing")).defaultCase(text("z")),
         QVariant());
