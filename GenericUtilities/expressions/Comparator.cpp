@@ -200,7 +200,7 @@ QVariant SwitchCase::evaluate(PropertySet const& properties, bool* isConstant) c
     if (isTooDeep())
         return tooDeep(isConstant);
     Evaluation const evaluation;
-    // Constant whatever the operands are: clients fold switches, and stored ones rely on it.
+    // Constant whatever the operands are: clients fold switches by it.
     report(isConstant, true);
     if (operands().size() < firstCaseIndex)
         return {};

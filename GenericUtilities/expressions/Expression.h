@@ -6,7 +6,8 @@
 
 namespace qvgen {
 
-/// A constant value. A placeholder constant prints as "?" and is a bind value where placeholders are asked for.
+/// A constant value. A placeholder constant prints as "?" and is a bind value where placeholders are asked for; it
+/// equals the same value that is none.
 class GENERICUTILITIES_EXPORT ConstExpression : public virtual Expression {
 public:
     using Expression::collectPlaceholders;
