@@ -19,14 +19,15 @@ template <class Type> qint64 sizeOf(QVariant const& value)
 /// An estimate that lies above what was measured; 0 for what has no parts.
 inline double conversionNanoseconds(QVariant const& value)
 {
-    constexpr double perUnit = 2;
+    constexpr double perUnit = 3;
+    constexpr double perByte = 8; // of what is no UTF-8
     constexpr double perElement = 100;
     constexpr double perEntry = 2000;
     switch (value.type()) {
     case QVariant::String:
         return perUnit * static_cast<double>(sizeOf<QString>(value));
     case QVariant::ByteArray:
-        return perUnit * static_cast<double>(sizeOf<QByteArray>(value));
+        return perByte * static_cast<double>(sizeOf<QByteArray>(value));
     case QVariant::StringList:
         return perElement * static_cast<double>(sizeOf<QStringList>(value));
     case QVariant::List:

@@ -114,6 +114,13 @@ QByteArray mixedText(int size)
     return textConstant(QStringLiteral("aB").repeated((size - 40) / 4));
 }
 
+// No UTF-8, which takes longest to become a text.
+QByteArray longBytes()
+{
+    constexpr int size = inputBytes / 2;
+    return number(size) + QByteArray(size, '\xe0');
+}
+
 // Half the input is the value that a membership looks for, the other half are its candidates.
 QByteArray membership(QByteArray const& value, QByteArray const& candidate)
 {
@@ -335,7 +342,9 @@ void TestStreamGrowth::oneMegabyte_data()
     row("functions of a long text", chain(function("upper") + number(1), function("lower") + number(1), mixedText));
     row("minus of a long text", chain(record("00000018", "N5qvgen13UnaryOperatorE", "00000001 00000000 00000001 00000001"), function("trim") + number(1), mixedText));
     row("long bytes among numbers", membership(constantRecord(hex("0000000c 00") + number(500000) + QByteArray(500000, '1')), golden::five()));
-    row("long bytes among bytes", membership(constantRecord(hex("0000000c 00") + number(500000) + QByteArray("\xc3\xa4").repeated(250000)), constantRecord(hex("0000000c 00 00000001 61"))));
+    row("long bytes among bytes", membership(constantRecord(hex("0000000c 00") + longBytes()), constantRecord(hex("0000000c 00 00000001 31"))));
+    row("long bytes in a list among lists", membership(constantRecord(hex("00000009 00 00000001 0000000c 00") + longBytes()), constantRecord(hex("00000009 00 00000001 0000000c 00 00000001 31"))));
+    row("greatest bytes", record("0000001d", "N5qvgen18FunctionExpressionE", "00000002") + text(QStringLiteral("min")) + hex("00 00000001") + membership(constantRecord(hex("0000000c 00") + longBytes()), constantRecord(hex("0000000c 00 00000001 31"))).mid(elementOfHead.size()));
     row("long text among dates", membership(textConstant(QString(250000, ':')), constantRecord(hex("0000000e 00 00000000002584e3"))));
     row("texts among lists", membership(listOfTexts(500000), constantRecord(hex("00000009 00 00000001 0000000a 00 00000002 0061"))));
     row("list among lists of texts", membership(listOfInts(500000), constantRecord(hex("0000000b 00 00000001 00000002 0061"))));
