@@ -284,6 +284,7 @@ private slots:
     void initTestCase();
     void oneMegabyte_data();
     void oneMegabyte();
+    void sumOfManyTexts();
     void countsAreNotBelieved_data();
     void countsAreNotBelieved();
 };
@@ -348,12 +349,16 @@ void TestStreamGrowth::oneMegabyte_data()
     row("long text among dates", membership(textConstant(QString(250000, ':')), constantRecord(hex("0000000e 00 00000000002584e3"))));
     row("texts among lists", membership(listOfTexts(500000), constantRecord(hex("00000009 00 00000001 0000000a 00 00000002 0061"))));
     row("list among lists of texts", membership(listOfInts(500000), constantRecord(hex("0000000b 00 00000001 00000002 0061"))));
+    row("texts that differ", filled(function("count").chopped(5) + hex("01 00000001"), [](int i) { return textConstant(QString::number(i)); }));
+    row("moments that differ", filled(function("count").chopped(5) + hex("01 00000001"), [](int i) { return constantRecord(hex("00000010 00 00000000002584e3") + number(i) + hex("00")); }));
+    row("lists that differ", filled(function("count").chopped(5) + hex("01 00000001"), [](int i) { return constantRecord(hex("00000009 00 00000001 00000009 00 00000065") + hex("00000002 00 00000005").repeated(100) + hex("00000002 00") + number(i)); }));
     row("sum of texts", filled(record("0000001a", "N5qvgen15NumericOperatorE", "00000001 00000000 00000001"), textConstant(QStringLiteral("a"))));
     row("concatenated values", filled(function("group_concat"), golden::age()));
     row("different values", filled(record("0000001d", "N5qvgen18FunctionExpressionE", "00000002") + text(QStringLiteral("count")) + hex("01 00000001"), [](int i) { return constantRecord(hex("00000002 00") + number(i)); }));
     row("greatest value", filled(function("min"), golden::five()));
     row("many patterns", filled(listHead, [](int i) { return function("like") + number(2) + textConstant(QStringLiteral("aaaa")) + textConstant(QString::number(i) + QStringLiteral("%a%a%b")); }));
     row("many regular expressions", filled(listHead, [](int i) { return function("regexp") + number(2) + textConstant(QString(40, 'a')) + textConstant(QString::number(i) + QStringLiteral("|(a{0,9}){0,9}b")); }));
+    row("regular expressions of functions that print their value", filled(record("0000001a", "N5qvgen15BooleanOperatorE", "00000001 00000000 00000001"), [](int i) { return i == 0 ? constantRecord(hex("00000001 00 00")) : function("currentDate") + number(1) + function("regexp") + number(2) + textConstant(QString(40, 'a')) + textConstant(QString::number(i) + QStringLiteral("|(a{0,9}){0,9}b")); }));
     // clang-format on
 }
 
@@ -364,6 +369,18 @@ void TestStreamGrowth::oneMegabyte()
     QVERIFY(!cost.outcome.wasThrown);
     QVERIFY2(cost.growth < maxGrowth, describe(cost));
     QVERIFY2(cost.seconds < maxSeconds, describe(cost));
+}
+
+// Each sum is a copy of the long text: a hundred thousand copies would take a minute.
+void TestStreamGrowth::sumOfManyTexts()
+{
+    QByteArray const head = record("0000001a", "N5qvgen15NumericOperatorE", "00000001 00000000 00000001");
+    QByteArray const longText = textConstant(QString(2000000, 'a'));
+    int const count = 100000;
+    Cost const cost
+        = costOf(head + number(count + 1) + longText + textConstant(QStringLiteral("a")).repeated(count), Recent);
+    QCOMPARE(cost.outcome.status, QDataStream::Ok);
+    QVERIFY2(cost.seconds < 3 * maxSeconds, describe(cost));
 }
 
 void TestStreamGrowth::countsAreNotBelieved_data()
