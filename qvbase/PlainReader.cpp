@@ -61,6 +61,11 @@ namespace {
         return place ? reader.goodAt(place->offset) : std::nullopt;
     }
 
+    [[noreturn]] void throwDamage()
+    {
+        throw Failure{QStringLiteral("The file is damaged where it is read")};
+    }
+
 } // namespace
 
 void PlainReader::forget()
@@ -89,7 +94,7 @@ GoodRecord const& PlainReader::recordAt(RecordReader& reader, Tail const& tail, 
         if (start.plainSize == position)
             break;
     }
-    throw Failure{QStringLiteral("The file is damaged where it is read")};
+    throwDamage();
 }
 
 std::vector<Tail> PlainReader::startsFor(Tail const& tail, qint64 position) const
@@ -106,6 +111,9 @@ std::vector<Tail> PlainReader::startsFor(Tail const& tail, qint64 position) cons
 qint64 PlainReader::read(RecordReader& reader, Tail const& tail, qint64 position, char* to, qint64 maxSize)
 {
     GoodRecord const& record = recordAt(reader, tail, position);
+    // A file's end that tells of less than stands before it would hide the rest.
+    if (record.tail().plainSize > tail.plainSize)
+        throwDamage();
     qint64 const skipped = position - qint64(record.header.plainOffset);
     qint64 const count = std::min(maxSize, record.plain.size() - skipped);
     std::memcpy(to, record.plain.constData() + skipped, size_t(count));

@@ -76,6 +76,7 @@ private slots:
     void nextRecordIsTaken();
     void outOfOrderIsDamage_data();
     void outOfOrderIsDamage();
+    void endThatTellsOfLessHidesNothing();
     void recordsForSessionsAreDamage();
     void longWriteOutOfOrderIsDamage();
 
@@ -140,6 +141,16 @@ void tst_FileEncryptForged::expectDamage(QByteArray const& bytes) const
     QVERIFY(!encrypted::device(name())->open(QIODevice::Append));
     QCOMPARE(encrypted::rawBytes(name()), bytes);
     QVERIFY(!QFile::exists(name() + QStringLiteral(".torn")));
+}
+
+/// Two bad records, of which the first claims that it follows the first byte of a text of 1000.
+void tst_FileEncryptForged::endThatTellsOfLessHidesNothing()
+{
+    QByteArray const bytes = m_file + Forged{3, 6, 3, QByteArray(1000, 'x')}.behind(m_file);
+    QByteArray const bad = Forged{4, 7, 4, "y"}.withWrongTag();
+    encrypted::setRawBytes(name(), bytes + bad + bad);
+    QCOMPARE(int(encrypted::verified(name()).result), int(Verified::RecordDamaged));
+    QVERIFY(encrypted::readBack(name()).hasFailed);
 }
 
 /// Each names the one before it as its session: whoever followed that would go as deep as there are records.
