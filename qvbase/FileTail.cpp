@@ -12,12 +12,21 @@ using Verified = FileEncrypt::VerifyResult;
 
 namespace {
 
+    /// Two whole records, both bad, that are not of one write: no crash leaves that, and nothing is gained by looking
+    /// further. The places within a write go down on the way, so there is an end to it.
+    bool areOfOneWrite(WholeRecord const& earlier, std::optional<WholeRecord> const& later)
+    {
+        return !later
+            || (earlier.header.place < later->header.place
+                && earlier.header.index - earlier.header.place == later->header.index - later->header.place);
+    }
+
     bool hasMisplacedRecord(RecordReader& reader, Tail const& due)
     {
-        int place = -1;
+        std::optional<WholeRecord> before;
         auto record = reader.finder().firstWholeFrom(due.end);
-        while (record && record->isOfWriteAt(due) && record->header.place > place) {
-            place = record->header.place;
+        while (record && record->isOfWriteAt(due) && (!before || areOfOneWrite(*before, record))) {
+            before = record;
             record = reader.finder().firstWholeFrom(record->end());
         }
         return record.has_value();
@@ -68,15 +77,6 @@ namespace {
         if (tail.end < fileSize)
             result.rest = classOfRest(reader, tail);
         return result;
-    }
-
-    /// Two whole records, both bad, that are not of one write: no crash leaves that, and nothing is gained by looking
-    /// further. The places within a write go down on the way, so there is an end to it.
-    bool areOfOneWrite(WholeRecord const& earlier, std::optional<WholeRecord> const& later)
-    {
-        return !later
-            || (earlier.header.place < later->header.place
-                && earlier.header.index - earlier.header.place == later->header.index - later->header.place);
     }
 
     FileTail searchTail(RecordReader& reader, FileHeader const& header)

@@ -63,13 +63,17 @@ namespace {
 
     Verified walk(RecordReader& reader, Tail tail, Anchor const& anchor)
     {
+        int place = -1;
         for (qint64 size = 0; tail.end < size || tail.end < (size = reader.fileSize());) {
             auto const record = reader.goodAt(tail.end);
-            if (!record || !tail.isContinuedBy(record->header)) {
+            bool const isNext = record && tail.isContinuedBy(record->header)
+                && (record->header.place == 0 || record->header.place == place + 1);
+            if (!isNext) {
                 Verified::Class const result = classOfRest(reader, tail);
                 return {result, tail.end, qint64(tail.index), textOf(result)};
             }
             tail = record->tail();
+            place = record->header.place;
             if (!anchor.isPassedWith(tail))
                 return notAnchored(tail);
         }

@@ -76,6 +76,8 @@ private slots:
     void nextRecordIsTaken();
     void outOfOrderIsDamage_data();
     void outOfOrderIsDamage();
+    void placeOutOfOrderIsDamage();
+    void recordsOfTwoWritesAreNoTornOne();
     void endThatTellsOfLessHidesNothing();
     void recordsForSessionsAreDamage();
     void longWriteOutOfOrderIsDamage();
@@ -141,6 +143,18 @@ void tst_FileEncryptForged::expectDamage(QByteArray const& bytes) const
     QVERIFY(!encrypted::device(name())->open(QIODevice::Append));
     QCOMPARE(encrypted::rawBytes(name()), bytes);
     QVERIFY(!QFile::exists(name() + QStringLiteral(".torn")));
+}
+
+/// The third record of a write, but none before it.
+void tst_FileEncryptForged::placeOutOfOrderIsDamage()
+{
+    expectDamage(m_file + Forged{3, 6, 3, "three", 2}.behind(m_file));
+}
+
+/// The second of them is the third of its write by its place, and the second by its index.
+void tst_FileEncryptForged::recordsOfTwoWritesAreNoTornOne()
+{
+    expectDamage(m_file + Forged{3, 6, 3, "x"}.withWrongTag() + Forged{4, 7, 4, "x", 2}.withWrongTag());
 }
 
 /// Two bad records, of which the first claims that it follows the first byte of a text of 1000.
