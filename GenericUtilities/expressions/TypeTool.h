@@ -25,7 +25,8 @@ namespace qvgen {
 /// Time is reduced to one scale, microseconds as a signed 64-bit count. In the arithmetic of dates a plain number has a
 /// fixed unit: Int and UInt count milliseconds, LongLong and ULongLong microseconds, Double days.
 ///
-/// Failure is told by wasOK(); only throwOK() throws. Reentrant; a tool belongs to one thread.
+/// Failure is told by wasOK(); only throwOK() throws. Texts, bytes and containers so large that joining or converting
+/// them takes too long (docs/expressions.md) fail, too. Reentrant; a tool belongs to one thread.
 class GENERICUTILITIES_EXPORT TypeTool {
 public:
     /// An invalid variant.
