@@ -72,7 +72,8 @@ public:
     /// The SQL text. Explicit, so that `node == 5` is never a comparison of texts.
     explicit operator QString() const;
     /// The values of the placeholder constants in the order of the "?" of `StyleSql | StylePlaceholders`, one to one
-    /// (but for SwitchCase, whose order is its own). Dates and times come as qlonglong microseconds, as SQL has them.
+    /// (but for SwitchCase, whose order is its own, and stored nodes with more operands than they print). Dates and
+    /// times come as qlonglong microseconds, as SQL has them.
     QList<QVariant> collectPlaceholders() const;
     /// Whether both are the same node or equal nodes; false where just one is null.
     static bool equals(Expression const* a, Expression const* b);

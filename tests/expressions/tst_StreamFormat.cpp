@@ -86,6 +86,7 @@ private slots:
     void recordsFollowOneAnother();
     void countWithoutOperands_data();
     void countWithoutOperands();
+    void surplusOperandsAreKept();
     void unknownNumbersAreKept_data();
     void unknownNumbersAreKept();
 };
@@ -343,6 +344,18 @@ void TestStreamFormat::countWithoutOperands()
     QCOMPARE(reading.status, QDataStream::Ok);
     QCOMPARE(reading.length, qint64(bytes.size()));
     QVERIFY(reading.tree.equals(ElementOf()));
+}
+
+void TestStreamFormat::surplusOperandsAreKept()
+{
+    QByteArray const bytes = record("00000015", "N5qvgen10ComparatorE", "00000001 00000005 00000001 00000003")
+        + golden::age() + golden::five() + golden::five();
+    Reading const reading = stream::read(bytes, Recent);
+    QCOMPARE(reading.status, QDataStream::Ok);
+    QCOMPARE(reading.tree.toString(Bound), QStringLiteral("age >= ?"));
+    QCOMPARE(reading.tree.collectPlaceholders(), QList<QVariant>({5, 5}));
+    QVERIFY(!reading.tree.equals(value("age") >= 5));
+    QCOMPARE(stream::written(reading.tree, Recent), bytes);
 }
 
 void TestStreamFormat::unknownNumbersAreKept_data()
