@@ -9,6 +9,7 @@
 #include <QTextStream>
 
 #include <algorithm>
+#include <set>
 
 namespace qvgen {
 
@@ -72,9 +73,27 @@ namespace {
             *stream << log->pre(warning) << "Function " << name << what << Qt::endl;
     }
 
+    // What equals only what is the same, where both are of the type.
+    bool isWholeNumber(QVariant::Type type)
+    {
+        return type == QVariant::Int || type == QVariant::UInt || type == QVariant::LongLong;
+    }
+
+    // Drops each value that is the same as one before it. False where that would take too long.
+    template <class Value> bool dropSame(QList<QVariant>& values)
+    {
+        if (!std::all_of(values.cbegin(), values.cend(), mayConvert))
+            return false;
+        std::set<Value> kept;
+        auto const isRepeated
+            = [&kept](QVariant const& value) { return !kept.insert(qvariant_cast<Value>(value)).second; };
+        values.erase(std::remove_if(values.begin(), values.end(), isRepeated), values.end());
+        return true;
+    }
+
     // Drops each value that equals one before it. False where that would take too long: the number of comparisons
     // grows with the square of that of the values.
-    bool dropRepeated(QList<QVariant>& values)
+    bool dropEqual(QList<QVariant>& values)
     {
         QList<QVariant> kept;
         double keptNanoseconds = 0;
@@ -89,6 +108,16 @@ namespace {
         }
         values.swap(kept);
         return true;
+    }
+
+    bool dropRepeated(QList<QVariant>& values)
+    {
+        QVariant::Type const type = values.isEmpty() ? QVariant::Invalid : values.first().type();
+        bool const areOfOneType = std::all_of(
+            values.cbegin(), values.cend(), [type](QVariant const& value) { return value.type() == type; });
+        if (areOfOneType && isWholeNumber(type))
+            return dropSame<qint64>(values);
+        return areOfOneType && type == QVariant::String ? dropSame<QString>(values) : dropEqual(values);
     }
 
     ExpressionHandle call(char const* name, ExpressionList const& operands, bool distinct = false)
