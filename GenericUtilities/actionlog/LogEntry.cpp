@@ -15,7 +15,14 @@ namespace {
     /// Time and user, which no description repeats.
     constexpr int CommonValues = 2;
 
-    constexpr qint64 MaxDescription = qint64{32} * 1024 * 1024;
+    /// Of a text that is made of @p given characters: a file of entries whose values multiply each other must not take
+    /// hours to be shown.
+    qint64 maxDescription(qint64 given)
+    {
+        constexpr qint64 least = 4096;
+        constexpr qint64 most = qint64{32} * 1024 * 1024;
+        return std::clamp(8 * given, least, most);
+    }
 
     /// The placeholders that QString::arg would replace next.
     struct Placeholders {
@@ -39,17 +46,19 @@ namespace {
         return lowest;
     }
 
-    bool canFill(QString const& text, QString const& value)
+    bool canFill(QString const& text, QString const& value, qint64 maxSize)
     {
         Placeholders const next = lowestPlaceholders(text);
-        return next.count > 0 && text.size() + next.count * value.size() <= MaxDescription;
+        return next.count > 0 && text.size() + next.count * value.size() <= maxSize;
     }
 
     QString filled(QString text, QList<LogValue*> const& values)
     {
+        qint64 given = text.size();
         for (int i = CommonValues; i < values.size(); ++i) {
             QString const value = values.at(i)->toString();
-            if (!canFill(text, value))
+            given += value.size();
+            if (!canFill(text, value, maxDescription(given)))
                 break;
             // One by one: a template that is a value itself is filled by the values behind it.
             text = text.arg(value);

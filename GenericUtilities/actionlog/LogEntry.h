@@ -35,7 +35,8 @@ public:
     virtual QString action() const = 0;
     /// For people: descriptionText() filled with the values behind time and user, or the list of these values where it
     /// is empty. Placeholders within a value are filled by the values behind it. Filling stops before the text would
-    /// exceed 32 Mi characters, as hostile files can make it.
+    /// exceed 4,096 characters and eight times what it and the values have, or 32 Mi characters, as hostile files can
+    /// make it.
     virtual QString description() const;
 
     /// Time, user, then those of the type, in stored order; members of this entry.

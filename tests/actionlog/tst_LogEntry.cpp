@@ -53,6 +53,7 @@ private slots:
     void descriptionWithoutAText();
     void surplusValuesGiveNoWarning();
     void descriptionDoesNotExplode();
+    void descriptionGrowsWithItsValuesAlone();
 };
 
 void TestLogEntry::timeAndUserComeFirst()
@@ -296,6 +297,22 @@ void TestLogEntry::descriptionDoesNotExplode()
     OtherEntry large(QStringLiteral("%1%2"));
     large.with("aaaa", QString(4 << 20, QLatin1Char('%'))).with("bbbb", QStringLiteral("x"));
     QCOMPARE(large.description().size(), (4 << 20) + 1);
+}
+
+/// A file of a megabyte has thousands of entries such as these, and each of them would make megabytes.
+void TestLogEntry::descriptionGrowsWithItsValuesAlone()
+{
+    auto const described = [](int places, int size) {
+        OtherEntry entry(QStringLiteral("%1"));
+        entry.with("aaaa", QStringLiteral("%1").repeated(places)).with("bbbb", QString(size, QLatin1Char('x')));
+        return entry.description();
+    };
+    QCOMPARE(described(50, 50), QString(2500, QLatin1Char('x')));
+    QCOMPARE(described(50, 79), QString(3950, QLatin1Char('x')));
+    QCOMPARE(described(50, 80), QStringLiteral("%1").repeated(50)); // 100 + 50 * 80 exceeds 4,096.
+    QCOMPARE(described(7, 10000), QString(70000, QLatin1Char('x')));
+    QCOMPARE(described(8, 10000), QString(80000, QLatin1Char('x')));
+    QCOMPARE(described(9, 10000), QStringLiteral("%1").repeated(9));
 }
 
 QTEST_APPLESS_MAIN(TestLogEntry)
