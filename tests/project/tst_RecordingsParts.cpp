@@ -21,6 +21,7 @@ private slots:
     void elidedText();
     void wrappedText_data();
     void wrappedText();
+    void longTextsAreWrapped();
     void everyPropertyClassHasItsColumn_data();
     void everyPropertyClassHasItsColumn();
 };
@@ -146,6 +147,14 @@ void RecordingsPartsTest::wrappedText()
 {
     QFETCH(QString, text);
     QTEST(wrapped(text, 10, 2), "expected");
+}
+
+/// The condition of a search file may be as long as this.
+void RecordingsPartsTest::longTextsAreWrapped()
+{
+    constexpr int words = 300000;
+    QString const text = QStringLiteral("abcdefg ").repeated(words) + QStringLiteral("last");
+    QCOMPARE(wrapped(text, 10, 2), QStringLiteral("abcdefg\n  ").repeated(words) + QStringLiteral("last"));
 }
 
 void RecordingsPartsTest::everyPropertyClassHasItsColumn_data()

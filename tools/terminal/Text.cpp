@@ -40,16 +40,23 @@ int columns(uint codePoint)
     return width < 0 ? 1 : width;
 }
 
-/// The number of leading code points that fit into @p width columns.
-int fitting(QVector<uint> const& codePoints, int width)
+/// The number of code points from @p first on that fit into @p width columns.
+int fitting(QVector<uint> const& codePoints, int width, int first = 0)
 {
     int count = 0;
-    for (int used = 0; count < codePoints.size(); ++count) {
-        used += columns(codePoints.at(count));
+    for (int used = 0; first + count < codePoints.size(); ++count) {
+        used += columns(codePoints.at(first + count));
         if (used > width)
             break;
     }
     return count;
+}
+
+/// The blank behind @p first that ends a line which has room up to @p end; -1 for none.
+int lineEnd(QVector<uint> const& codePoints, int first, int end)
+{
+    int const before = codePoints.lastIndexOf(' ', end);
+    return before > first ? before : codePoints.indexOf(' ', end);
 }
 
 } // namespace
@@ -90,19 +97,19 @@ QString elided(QString const& text, int width, Elide side)
 
 QString wrapped(QString const& text, int width, int indent)
 {
+    QVector<uint> const codePoints = text.toUcs4();
+    auto const piece
+        = [&](int first, int end) { return QString::fromUcs4(codePoints.constData() + first, end - first); };
     QString result;
-    QString rest = text;
-    for (int room = width; displayWidth(rest) > room; room = width - indent) {
-        int const fits = QString::fromUcs4(rest.toUcs4().constData(), fitting(rest.toUcs4(), room)).size();
-        int blank = rest.lastIndexOf(QLatin1Char(' '), fits);
-        if (blank <= 0)
-            blank = rest.indexOf(QLatin1Char(' '), fits);
-        if (blank <= 0)
-            break;
-        result += rest.left(blank) + QLatin1Char('\n') + QString(indent, QLatin1Char(' '));
-        rest.remove(0, blank + 1);
+    int first = 0;
+    for (int room = width;; room = width - indent) {
+        int const end = first + fitting(codePoints, room, first);
+        int const blank = end < codePoints.size() ? lineEnd(codePoints, first, end) : -1;
+        if (blank <= first)
+            return result + piece(first, codePoints.size());
+        result += piece(first, blank) + QLatin1Char('\n') + QString(indent, QLatin1Char(' '));
+        first = blank + 1;
     }
-    return result + rest;
 }
 
 QString grouped(qulonglong number)
