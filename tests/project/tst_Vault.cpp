@@ -203,6 +203,12 @@ void VaultTest::refusal_data()
         "the password is empty: the file would not be encrypted");
     row("empty first line of the password file", {"--password-file", "late", "a"}, "secret",
         "the password is empty: the file would not be encrypted");
+    row("password file without an end", {"--password-file", "/dev/zero", "a"}, "secret",
+        "the first line of the password file '/dev/zero' is longer than 4096 bytes");
+    row("longest line of the password file", {"--password-file", "longest", "--print", "nowhere"}, "secret",
+        "'nowhere' cannot be opened: No such file or directory");
+    row("password file with a line too long", {"--password-file", "long", "a"}, "secret",
+        "the first line of the password file 'long' is longer than 4096 bytes");
     row("empty password in the environment", {"a"}, "", "the password is empty: the file would not be encrypted");
     row("password that is no text", {"--password-file", "bytes", "a"}, "secret", "the password is not a text in UTF-8");
     row("nobody to ask", {"a"}, {},
@@ -220,6 +226,8 @@ void VaultTest::refusal()
     scene.write("empty", "");
     scene.write("late", "\nsecret\n");
     scene.write("bytes", "\xff\n");
+    scene.write("longest", QByteArray(4095, 'x') + '\n');
+    scene.write("long", QByteArray(4096, 'x') + '\n');
     QFETCH(QStringList, arguments);
     QFETCH(QByteArray, password);
     QFETCH(QString, message);
@@ -227,7 +235,7 @@ void VaultTest::refusal()
     QCOMPARE(result.error, "vault: " + message + '\n');
     QCOMPARE(result.output, QByteArray());
     QCOMPARE(result.exitCode, 2);
-    QCOMPARE(QDir().entryList(QDir::Files), (QStringList{"bytes", "empty", "late"}));
+    QCOMPARE(QDir().entryList(QDir::Files), (QStringList{"bytes", "empty", "late", "long", "longest"}));
 }
 
 void VaultTest::refusalOfTheContent_data()

@@ -19,7 +19,11 @@ QByteArray firstLineOf(QString const& path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         refuse(QStringLiteral("the password file '%1' cannot be read: %2").arg(path, file.errorString()));
-    QByteArray line = file.readLine();
+    // A device may have no end, and no line either.
+    constexpr int maxBytes = 4096;
+    QByteArray line = file.readLine(maxBytes + 2); // One more, and the zero that Qt puts behind it.
+    if (line.size() > maxBytes)
+        refuse(QStringLiteral("the first line of the password file '%1' is longer than 4096 bytes").arg(path));
     while (line.endsWith('\n') || line.endsWith('\r'))
         line.chop(1);
     return line;
