@@ -54,11 +54,9 @@ void Vault::throwRefusal() const
 
 void Vault::throwDamage(FileEncrypt::VerifyResult const& found) const
 {
+    // At once: a name may hold a "%2".
     throw DamageException(QStringLiteral("'%1' is damaged at byte %2, record %3: %4")
-                              .arg(name())
-                              .arg(found.offset)
-                              .arg(found.record)
-                              .arg(found.text));
+                              .arg(name(), QString::number(found.offset), QString::number(found.record), found.text));
 }
 
 void Vault::append(QIODevice& lines)
@@ -97,7 +95,7 @@ QString Vault::verify()
     FileEncrypt::VerifyResult const found = m_file.verify();
     switch (found.result) {
     case FileEncrypt::VerifyResult::Intact:
-        return QStringLiteral("'%1' is intact: %2 bytes of text").arg(name()).arg(m_file.size());
+        return QStringLiteral("'%1' is intact: %2 bytes of text").arg(name(), QString::number(m_file.size()));
     case FileEncrypt::VerifyResult::HeaderRefused:
     case FileEncrypt::VerifyResult::NotReadable:
         throw qv::ExceptionQt(cannot("verified", name(), found.text));

@@ -6,6 +6,7 @@
 #include "Vault.h"
 
 #include <terminal/Password.h>
+#include <terminal/Text.h>
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -18,7 +19,7 @@ namespace {
 
 int printError(QString const& message, int exitCode)
 {
-    QTextStream(stderr) << "vault: " << message.simplified() << Qt::endl;
+    QTextStream(stderr) << "vault: " << printable(message.simplified()) << Qt::endl;
     return exitCode;
 }
 
@@ -33,7 +34,7 @@ void perform(Task task, Vault& vault)
     else if (task == Task::Print)
         vault.print(out);
     else
-        out.write(vault.verify().toUtf8() + '\n');
+        out.write(printable(vault.verify()).toUtf8() + '\n');
     if (!out.flush())
         throw qv::ExceptionQt(QStringLiteral("standard output cannot be written: %1").arg(out.errorString()));
 }

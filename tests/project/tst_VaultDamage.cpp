@@ -16,6 +16,7 @@ private slots:
     void swappedRecordsAreFound();
     void appendPutsATornEndAside();
     void appendDoesNotHideDamage();
+    void hostileNameIsPrintedHarmlessly();
 
 private:
     // Header 128 bytes; session record 96; then records of 64 bytes and a line. They begin at 128, 224, 292, 360, and
@@ -168,6 +169,23 @@ void VaultDamageTest::appendDoesNotHideDamage()
     flipBit(292 + 44);
     QCOMPARE(scene.run({scene.file()}, "four\n").exitCode, 0); // Only the end of the file is looked at.
     compareDamage(scene, "one\n", "byte 292, record 2: ");
+}
+
+void VaultDamageTest::hostileNameIsPrintedHarmlessly()
+{
+    VaultScene const scene;
+    create();
+    QString const name = QStringLiteral("\x1b[2J%2.vault");
+    QVERIFY(QFile::rename(VaultScene::file(), name));
+    VaultResult const intact = scene.run({"--verify", name});
+    QCOMPARE(intact.output, QByteArray("'\\x1b[2J%2.vault' is intact: 14 bytes of text\n"));
+    QByteArray bytes = VaultScene::read(name);
+    bytes[300] = static_cast<char>(bytes.at(300) ^ 1);
+    VaultScene::write(name, bytes);
+    VaultResult const damaged = scene.run({"--verify", name});
+    QString const where = QStringLiteral("vault: '\\x1b[2J%2.vault' is damaged at byte 292, record 2: ");
+    QVERIFY2(damaged.error.startsWith(where), qPrintable(damaged.error));
+    QCOMPARE(damaged.exitCode, 1);
 }
 
 QTEST_GUILESS_MAIN(VaultDamageTest)
