@@ -134,9 +134,13 @@ private:
 
 void checkSearch(Search const& search, PropertySet const& recording)
 {
-    Check const check(columnsOf(recording));
+    QStringList const columns = columnsOf(recording);
+    Check const check(columns);
     if (!search.findsAll())
         check.condition(search.condition);
+    // Each of them sorts all rows, though only the first one by a column counts.
+    if (search.order.operands().size() > columns.size())
+        refuseSearch("it sorts by more columns than there are");
     for (ExpressionHandle const& term : search.order.operands())
         check.sortTerm(term);
     // A minus of a minus prints so, and hides the rest of the statement.

@@ -34,6 +34,7 @@ private slots:
     void hostileTree();
     void hostileOrder_data();
     void hostileOrder();
+    void orderHasNoMoreTermsThanColumns();
     void unknownClass_data();
     void unknownClass();
     void mutations();
@@ -328,6 +329,17 @@ void RecordingsSearchBytesTest::hostileOrder()
 {
     QFETCH(ExpressionHandle, term);
     QTEST(refusal(encodedSearch({"", value("hidden"), with(ExpressionList(), {value("size"), term})})), "reason");
+}
+
+void RecordingsSearchBytesTest::orderHasNoMoreTermsThanColumns()
+{
+    QList<ExpressionHandle> terms;
+    for (QString const& column : columnsOf(recording()))
+        terms += value(column.toLatin1());
+    QCOMPARE(refusal(encodedSearch({"", value("hidden"), with(ExpressionList(), terms)})), QString());
+    terms += value("size");
+    QCOMPARE(refusal(encodedSearch({"", value("hidden"), with(ExpressionList(), terms)})),
+        QString("it sorts by more columns than there are"));
 }
 
 void RecordingsSearchBytesTest::unknownClass_data()
