@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include <QPair>
 #include <QString>
 #include <QVector>
 
@@ -15,7 +16,9 @@ struct FileState {
 
     static FileState of(QString const& path);
     bool exists() const { return number != 0; }
-    bool isSameFile(FileState const& other) const { return device == other.device && number == other.number; }
+    /// What tells it from other files.
+    QPair<quint64, quint64> identity() const { return {device, number}; }
+    bool isSameFile(FileState const& other) const { return identity() == other.identity(); }
     bool isUnchanged(FileState const& other) const;
     bool isModifiedBefore(FileState const& other) const;
 };

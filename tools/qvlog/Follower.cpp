@@ -6,17 +6,9 @@
 
 #include <QFileInfo>
 
-#include <algorithm>
-
 namespace {
 
 constexpr int SearchPause = 10; // Searching reads whole files.
-
-bool holds(QVector<FolderFile> const& files, FileState const& state)
-{
-    return std::any_of(
-        files.begin(), files.end(), [&](FolderFile const& file) { return file.state.isSameFile(state); });
-}
 
 QString fileName(QString const& path)
 {
@@ -167,8 +159,8 @@ void Follower::readFilesBefore(EntryReader const& freshReader, FileState const& 
 {
     QStringList between;
     for (FolderFile const& file : logFilesBeside(m_path)) {
-        bool const isNew
-            = !holds(m_known, file.state) && !file.state.isSameFile(m_state) && !file.state.isSameFile(fresh);
+        bool const isNew = !m_known.contains(file.state.identity()) && !file.state.isSameFile(m_state)
+            && !file.state.isSameFile(fresh);
         if (isNew && isOfThisLog(file.path, freshReader))
             between += file.path;
     }
@@ -202,7 +194,9 @@ void Follower::noteFolder()
     QVector<FolderFile> const files = logFilesBeside(m_path);
     if (!FileState::of(m_path).isSameFile(m_state))
         return;
-    m_known = files;
+    m_known.clear();
+    for (FolderFile const& file : files)
+        m_known.insert(file.state.identity());
     m_folder = folder;
 }
 

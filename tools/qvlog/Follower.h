@@ -5,6 +5,8 @@
 #include "FollowedFolder.h"
 #include "Options.h"
 
+#include <QSet>
+
 #include <functional>
 #include <memory>
 
@@ -49,7 +51,8 @@ private:
     qint64 m_done = 0; ///< How many of its entries have been handed over.
     QDateTime m_lastTime; ///< Of the last entry.
     FileState m_folder;
-    QVector<FolderFile> m_known; ///< Log files that were in the folder before the present one was moved aside.
+    QSet<QPair<quint64, quint64>>
+        m_known; ///< Log files that were in the folder before the present one was moved aside.
     int m_patience = 0; ///< Calls of advance() before a switch is looked for again.
     QString m_told; ///< The last failure, so that it is told once.
 };
