@@ -49,6 +49,8 @@ public:
 };
 
 /// A destination backed by a QSettings: each operation is that of QSettings, and so are errors and thread-safety.
+/// A file of settings is trusted as the program itself: what it has for a list within lists, or for their length,
+/// QSettings reads whatever the stack and the memory hold. Nobody but the user may be able to write it.
 class GENERICUTILITIES_EXPORT Settings : public IPersistDestination {
 public:
     /// The settings of the running application, for this user.
