@@ -39,7 +39,7 @@ public:
     void begin(uchar const* nonce, int blocks);
     void take(uchar* to);
     void addTo(uchar const* text, uchar* to, size_t blocks);
-    /// Whether every call of the cipher succeeded since begin(), and no more was taken than that announced.
+    /// Whether every call of the cipher succeeded since begin(), and no more was taken than was announced there.
     bool isGood() const { return m_isGood; }
 
 private:

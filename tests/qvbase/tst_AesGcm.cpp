@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <qvbase/AesGcm_p.h>
+#include <qvbase/Octets.h>
 
-#include <QByteArray>
 #include <QTest>
 
 #include <openssl/evp.h>
@@ -12,16 +12,6 @@
 using qv::encrypted::AesGcm;
 
 namespace {
-
-uchar const* octets(QByteArray const& bytes)
-{
-    return reinterpret_cast<uchar const*>(bytes.constData());
-}
-
-uchar* octets(QByteArray& bytes)
-{
-    return reinterpret_cast<uchar*>(bytes.data());
-}
 
 QByteArray hex(char const* digits)
 {

@@ -1,15 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <qvbase/Crc32c_p.h>
+#include <qvbase/Octets.h>
 
-#include <QByteArray>
 #include <QTest>
 
 namespace {
-
-uchar const* octets(QByteArray const& bytes)
-{
-    return reinterpret_cast<uchar const*>(bytes.constData());
-}
 
 QByteArray counted(int from, int step)
 {

@@ -3,6 +3,7 @@
 #include <qvbase/Crc32c_p.h>
 #include <qvbase/EncryptedFiles.h>
 #include <qvbase/EncryptedKeys.h>
+#include <qvbase/Octets.h>
 
 using Verified = qv::FileEncrypt::VerifyResult;
 using qv::encrypted::AesGcm;
@@ -11,11 +12,6 @@ namespace {
 
 constexpr int headerOfRecord = 44;
 constexpr int tagAndLength = 20;
-
-uchar const* octets(QByteArray const& bytes)
-{
-    return reinterpret_cast<uchar const*>(bytes.constData());
-}
 
 template <typename Number> QByteArray littleEndian(Number number)
 {
@@ -58,8 +54,8 @@ QByteArray Forged::behind(QByteArray const& file) const
     static AesGcm gcm(octets(encrypted::sessionKey()));
     gcm.begin(octets(nonce), text.size());
     gcm.associate(octets(associated), associated.size());
-    gcm.encrypt(octets(text), text.size(), reinterpret_cast<uchar*>(sealedText.data()));
-    gcm.takeTag(reinterpret_cast<uchar*>(tag.data()));
+    gcm.encrypt(octets(text), text.size(), octets(sealedText));
+    gcm.takeTag(octets(tag));
     return header() + sealedText + tag + length();
 }
 
