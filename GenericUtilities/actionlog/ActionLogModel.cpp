@@ -83,12 +83,14 @@ ActionLogModel::ActionLogModel(QObject* parent)
     auto const remove = [feed](int first, int last) {
         feed->post([first, last](ActionLogModel& model) { model.remove(first, last); });
     };
-    connect(log, &ActionLog::logEntriesAdded, log, add, Qt::DirectConnection);
-    connect(log, &ActionLog::logEntriesRemoved, log, remove, Qt::DirectConnection);
+    m_connections[0] = connect(log, &ActionLog::logEntriesAdded, log, add, Qt::DirectConnection);
+    m_connections[1] = connect(log, &ActionLog::logEntriesRemoved, log, remove, Qt::DirectConnection);
 }
 
 ActionLogModel::~ActionLogModel()
 {
+    for (QMetaObject::Connection const& connection : m_connections)
+        disconnect(connection);
     m_feed->end();
 }
 

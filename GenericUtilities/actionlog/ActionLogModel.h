@@ -8,6 +8,7 @@
 #include <QList>
 #include <QSharedPointer>
 
+#include <array>
 #include <memory>
 
 namespace qv {
@@ -53,6 +54,7 @@ private:
 
     QList<QSharedPointer<LogEntry const>> m_rows;
     std::shared_ptr<Feed> m_feed;
+    std::array<QMetaObject::Connection, 2> m_connections;
 };
 
 } // namespace qv

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "LogScene.h"
+#include "OtherEntry.h"
 
 #include <GenericUtilities/actionlog/ActionLogModel.h>
 
@@ -34,6 +35,15 @@ void handleEvents()
     QCoreApplication::sendPostedEvents();
 }
 
+int copies = 0;
+qv::LogEntryFactoryRegistrar const counted(
+    "Othr",
+    [] {
+        ++copies;
+        return OtherEntry::create();
+    },
+    "Other");
+
 } // namespace
 
 class tst_ActionLogModel : public QObject {
@@ -48,6 +58,8 @@ private slots:
     void followsWhenItsThreadHandlesEvents();
     void followsSplitsSwitchesAndReading();
     void followsOtherThreads();
+    void costsNothingOnceDestroyed_data();
+    void costsNothingOnceDestroyed();
     void isDestroyedWhileOthersLog();
     void outlivesTheLog();
     void madeByAReceiver();
@@ -174,6 +186,30 @@ void tst_ActionLogModel::followsOtherThreads()
         thread.join();
     handleEvents();
     QCOMPARE(texts(watched.model), scene.listed());
+}
+
+void tst_ActionLogModel::costsNothingOnceDestroyed_data()
+{
+    QTest::addColumn<int>("alive");
+    QTest::addColumn<int>("destroyed");
+    QTest::newRow("no model ever") << 0 << 0;
+    QTest::newRow("two models") << 2 << 0;
+    QTest::newRow("only those that are gone") << 0 << 3;
+    QTest::newRow("one, and three that are gone") << 1 << 3;
+}
+
+void tst_ActionLogModel::costsNothingOnceDestroyed()
+{
+    QFETCH(int, alive);
+    QFETCH(int, destroyed);
+    Scene scene;
+    std::vector<std::unique_ptr<Watched>> models;
+    for (int i = 0; i < alive + destroyed; ++i)
+        models.push_back(std::make_unique<Watched>());
+    models.resize(static_cast<std::size_t>(alive));
+    copies = 0;
+    scene.log().log(OtherEntry(QStringLiteral("%1")).with("valA", QStringLiteral("one")));
+    QCOMPARE(copies, 1 + alive);
 }
 
 void tst_ActionLogModel::isDestroyedWhileOthersLog()
