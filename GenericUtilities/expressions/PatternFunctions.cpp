@@ -4,6 +4,8 @@
 #include <GenericUtilities/expressions/PatternBounds_p.h>
 #include <qvbase/Mutex.h>
 
+#include <optional>
+
 /// The functions `like` and `regexp`: patterns compiled once, kept in caches, and matched within bounds.
 namespace qvgen {
 
@@ -34,33 +36,49 @@ namespace {
         cachedBytes = bytes;
     }
 
-    // A copy of the cached pattern of that key, made by `compile` where there is none. Copies share what was compiled,
-    // but match independently of one another.
-    template <class Compile>
-    QRegExp cached(QCache<QString, QRegExp>& cache, QString const& key, double bytes, Compile const& compile)
+    // One of the caches, with the shapes of the patterns that were asked for lately.
+    struct Patterns {
+        QCache<QString, QRegExp>& compiled;
+        QCache<QString, PatternShape> shapes = QCache<QString, PatternShape>();
+    };
+
+    Patterns likePatterns = {FunctionExpression::gLikeCache};
+    Patterns regExpPatterns = {FunctionExpression::gRegExpCache};
+
+    // A copy, good while the lock is held and after.
+    template <class Judge> PatternShape shapeFor(Patterns& patterns, QString const& key, Judge const& judge)
+    {
+        if (PatternShape const* const known = patterns.shapes.object(key))
+            return *known;
+        PatternShape const shape = judge();
+        patterns.shapes.insert(key, new PatternShape(shape));
+        return shape;
+    }
+
+    // A copy of the pattern of that key, which `compile` makes where there is none; nothing where its match with that
+    // subject may not run in the evaluation at hand. Copies share what was compiled, but match independently of one
+    // another.
+    template <class Judge, class Compile> std::optional<QRegExp> affordable(Patterns& patterns, QString const& key,
+        int subjectLength, Qt::CaseSensitivity sensitivity, Judge const& judge, Compile const& compile)
     {
         qv::MutexLocker const locker(cacheMutex());
-        if (QRegExp const* const found = cache.object(key))
+        PatternShape const shape = shapeFor(patterns, key, judge);
+        if (!shape.isBounded() || !Evaluation::allows(shape.matchNanoseconds(subjectLength, sensitivity)))
+            return std::nullopt;
+        if (QRegExp const* const found = patterns.compiled.object(key))
             return *found;
-        makeRoom(bytes);
+        if (!Evaluation::allows(shape.compileNanoseconds()))
+            return std::nullopt;
+        makeRoom(shape.bytes());
         auto* const compiled = new QRegExp(compile());
         QRegExp copy = *compiled;
-        cache.insert(key, compiled, 1);
+        patterns.compiled.insert(key, compiled, 1);
         return copy;
     }
 
-    bool isCached(QCache<QString, QRegExp> const& cache, QString const& key)
+    QVariant match(std::optional<QRegExp> const& pattern, QString const& subject)
     {
-        qv::MutexLocker const locker(cacheMutex());
-        return cache.contains(key);
-    }
-
-    // Whether a match of this cost may run in the evaluation at hand.
-    bool isAffordable(PatternShape const& shape, Qt::CaseSensitivity sensitivity, int subjectLength,
-        QCache<QString, QRegExp> const& cache, QString const& key)
-    {
-        return shape.isBounded() && Evaluation::allows(shape.matchNanoseconds(subjectLength, sensitivity))
-            && (isCached(cache, key) || Evaluation::allows(shape.compileNanoseconds()));
+        return pattern ? QVariant(pattern->exactMatch(subject)) : QVariant();
     }
 
     // A LIKE pattern as a regular expression.
@@ -86,9 +104,15 @@ namespace {
         return expression;
     }
 
+    // The length of an escape, which is not above that of a bounded pattern, tells where the pattern begins.
     QString likeKey(QString const& pattern, QString const& escape)
     {
-        return QString::number(escape.size()) + QLatin1Char(':') + escape + pattern;
+        QString key;
+        key.reserve(1 + escape.size() + pattern.size());
+        key += QChar(static_cast<ushort>(escape.size()));
+        key += escape;
+        key += pattern;
+        return key;
     }
 
     QRegExp const* regExpOf(QVariant const& value)
@@ -98,11 +122,17 @@ namespace {
     }
 
     // A key of its own for all that makes two expressions differ; texts of patterns are keys as they stand.
-    QString regExpKey(QRegExp const& expression)
+    QString regExpKey(
+        QString const& pattern, QRegExp::PatternSyntax syntax, Qt::CaseSensitivity sensitivity, bool isMinimal)
     {
-        int const kind = expression.patternSyntax() * 4 + (expression.isMinimal() ? 2 : 0)
-            + (expression.caseSensitivity() == Qt::CaseSensitive ? 1 : 0);
-        return QChar(QChar::Null) + QString::number(kind) + QLatin1Char(':') + expression.pattern();
+        int const kind = syntax * 4 + (isMinimal ? 2 : 0) + (sensitivity == Qt::CaseSensitive ? 1 : 0);
+        return QChar(QChar::Null) + QString::number(kind) + QLatin1Char(':') + pattern;
+    }
+
+    QString regExpKey(QString const& pattern)
+    {
+        bool const isKeyOfAnother = pattern.startsWith(QChar(QChar::Null));
+        return isKeyOfAnother ? regExpKey(pattern, QRegExp::RegExp, Qt::CaseSensitive, false) : pattern;
     }
 
     // Compiled on its first match, unlike a copy, which would compile the pattern in `expression`, too.
@@ -116,13 +146,27 @@ namespace {
         return result;
     }
 
-    QVariant matchRegExp(QString const& subject, QString const& key, QRegExp const& expression)
+    QVariant matchRegExp(QString const& subject, QRegExp const& expression)
     {
-        PatternShape const shape = shapeOf(expression.pattern(), expression.patternSyntax());
-        QCache<QString, QRegExp>& cache = FunctionExpression::gRegExpCache;
-        if (!isAffordable(shape, expression.caseSensitivity(), subject.size(), cache, key))
+        QString const pattern = expression.pattern();
+        if (pattern.size() > PatternShape::MaxLength)
             return {};
-        return cached(cache, key, shape.bytes(), [&] { return uncompiled(expression); }).exactMatch(subject);
+        QRegExp::PatternSyntax const syntax = expression.patternSyntax();
+        Qt::CaseSensitivity const sensitivity = expression.caseSensitivity();
+        QString const key = regExpKey(pattern, syntax, sensitivity, expression.isMinimal());
+        auto const judge = [&] { return shapeOf(pattern, syntax); };
+        auto const compile = [&] { return uncompiled(expression); };
+        return match(affordable(regExpPatterns, key, subject.size(), sensitivity, judge, compile), subject);
+    }
+
+    QVariant matchRegExp(QString const& subject, QString const& pattern)
+    {
+        if (pattern.size() > PatternShape::MaxLength)
+            return {};
+        auto const judge = [&] { return shapeOf(pattern, QRegExp::RegExp); };
+        auto const compile = [&] { return QRegExp(pattern, Qt::CaseSensitive, QRegExp::RegExp); };
+        QString const key = regExpKey(pattern);
+        return match(affordable(regExpPatterns, key, subject.size(), Qt::CaseSensitive, judge, compile), subject);
     }
 
 } // namespace
@@ -133,15 +177,15 @@ QVariant FunctionExpression::like(QList<QVariant> const& values)
         return {};
     QString const subject = values.at(0).toString();
     QString const pattern = values.at(1).toString();
+    if (pattern.size() > PatternShape::MaxLength)
+        return {};
     QString const givenEscape = values.value(2).toString();
     // One that is longer stands nowhere in the pattern; in the key it would only take room.
     QString const escape = givenEscape.size() <= pattern.size() ? givenEscape : QString();
-    QString const key = likeKey(pattern, escape);
-    PatternShape const shape = shapeOfLike(pattern);
-    if (!isAffordable(shape, Qt::CaseSensitive, subject.size(), gLikeCache, key))
-        return {};
+    auto const judge = [&] { return shapeOfLike(pattern); };
     auto const compile = [&] { return QRegExp(expressionOfLike(pattern, escape), Qt::CaseSensitive, QRegExp::RegExp); };
-    return cached(gLikeCache, key, shape.bytes(), compile).exactMatch(subject);
+    QString const key = likeKey(pattern, escape);
+    return match(affordable(likePatterns, key, subject.size(), Qt::CaseSensitive, judge, compile), subject);
 }
 
 QVariant FunctionExpression::regexp(QList<QVariant> const& values)
@@ -149,13 +193,8 @@ QVariant FunctionExpression::regexp(QList<QVariant> const& values)
     if (values.size() < 2)
         return {};
     QString const subject = values.at(0).toString();
-    if (QRegExp const* const expression = regExpOf(values.at(1)))
-        return matchRegExp(subject, regExpKey(*expression), *expression);
-    QString const pattern = values.at(1).toString();
-    QRegExp expression;
-    expression.setPattern(pattern);
-    bool const isKeyOfItsOwn = pattern.startsWith(QChar(QChar::Null));
-    return matchRegExp(subject, isKeyOfItsOwn ? regExpKey(expression) : pattern, expression);
+    QRegExp const* const expression = regExpOf(values.at(1));
+    return expression ? matchRegExp(subject, *expression) : matchRegExp(subject, values.at(1).toString());
 }
 
 } // namespace qvgen
