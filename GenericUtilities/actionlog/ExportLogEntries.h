@@ -4,10 +4,13 @@
 #include <GenericUtilities/Export.h>
 #include <GenericUtilities/actionlog/LogEntry.h>
 
-/// What the types of entry about exports share. @p Entry is the type that derives from this one; it has the static
-/// texts and the id.
-template <class Entry> class GENERICUTILITIES_EXPORT ExportLogEntry : public qv::LogEntry {
+/// A finished export of images or video. `text` is a sentence with placeholders that the values behind it fill.
+class GENERICUTILITIES_EXPORT ExportWrittenLogEntry : public qv::LogEntry {
 public:
+    static char const* const sAction;
+    static char const* const sDescriptionText;
+
+    ExportWrittenLogEntry();
     /// The caller owns the entry.
     static qv::LogEntry* create();
 
@@ -16,88 +19,126 @@ public:
     QString descriptionText() const override;
     QString action() const override;
 
-    /// What is shown of the entry; its placeholders are filled by the values behind it.
     qv::TLogValue<QString> text;
-
-protected:
-    ExportLogEntry();
-
-private:
-    static qv::LogEntryFactoryRegistrar const sRegistrar;
-};
-
-/// An export that concerns a range of recordings.
-template <class Entry> class GENERICUTILITIES_EXPORT ExportRangeLogEntry : public ExportLogEntry<Entry> {
-public:
     qv::TLogValue<QString> format;
     qv::TLogValue<QString> source;
     qv::TLogValue<QString> dest;
     qv::TLogValue<QDateTime> from;
     qv::TLogValue<QDateTime> to;
 
-protected:
-    ExportRangeLogEntry();
+private:
+    static qv::LogEntryFactoryRegistrar const sRegistrar;
 };
 
-/// A finished export of images or video.
-class GENERICUTILITIES_EXPORT ExportWrittenLogEntry : public ExportRangeLogEntry<ExportWrittenLogEntry> {
+/// The start of an export of images or video. `text` is a sentence with placeholders that the values behind it fill.
+class GENERICUTILITIES_EXPORT ExportStartLogEntry : public qv::LogEntry {
 public:
     static char const* const sAction;
     static char const* const sDescriptionText;
-    static constexpr qv::FourChars sId = "ExpW";
-};
 
-/// The start of an export of images or video.
-class GENERICUTILITIES_EXPORT ExportStartLogEntry : public ExportRangeLogEntry<ExportStartLogEntry> {
-public:
-    static char const* const sAction;
-    static char const* const sDescriptionText;
-    static constexpr qv::FourChars sId = "ExpS";
+    ExportStartLogEntry();
+    /// The caller owns the entry.
+    static qv::LogEntry* create();
+
+    qv::FourChars id() const override;
+    qv::ELogCategory category() const override;
+    QString descriptionText() const override;
+    QString action() const override;
+
+    qv::TLogValue<QString> text;
+    qv::TLogValue<QString> format;
+    qv::TLogValue<QString> source;
+    qv::TLogValue<QString> dest;
+    qv::TLogValue<QDateTime> from;
+    qv::TLogValue<QDateTime> to;
+
+private:
+    static qv::LogEntryFactoryRegistrar const sRegistrar;
 };
 
 /// An export that its user gave up.
-class GENERICUTILITIES_EXPORT ExportAbortLogEntry : public ExportLogEntry<ExportAbortLogEntry> {
+class GENERICUTILITIES_EXPORT ExportAbortLogEntry : public qv::LogEntry {
 public:
     static char const* const sAction;
     static char const* const sDescriptionText;
-    static constexpr qv::FourChars sId = "ExpA";
+
+    ExportAbortLogEntry();
+    /// The caller owns the entry.
+    static qv::LogEntry* create();
+
+    qv::FourChars id() const override;
+    qv::ELogCategory category() const override;
+    QString descriptionText() const override;
+    QString action() const override;
+
+    qv::TLogValue<QString> text;
+
+private:
+    static qv::LogEntryFactoryRegistrar const sRegistrar;
 };
 
 /// An export that failed.
-class GENERICUTILITIES_EXPORT ExportErrorLogEntry : public ExportLogEntry<ExportErrorLogEntry> {
+class GENERICUTILITIES_EXPORT ExportErrorLogEntry : public qv::LogEntry {
 public:
     static char const* const sAction;
     static char const* const sDescriptionText;
-    static constexpr qv::FourChars sId = "ExpE";
+
+    ExportErrorLogEntry();
+    /// The caller owns the entry.
+    static qv::LogEntry* create();
+
+    qv::FourChars id() const override;
+    qv::ELogCategory category() const override;
+    QString descriptionText() const override;
+    QString action() const override;
+
+    qv::TLogValue<QString> text;
+
+private:
+    static qv::LogEntryFactoryRegistrar const sRegistrar;
 };
 
 /// The end of a whole series of exports.
-class GENERICUTILITIES_EXPORT ExportDoneLogEntry : public ExportLogEntry<ExportDoneLogEntry> {
+class GENERICUTILITIES_EXPORT ExportDoneLogEntry : public qv::LogEntry {
 public:
     static char const* const sAction;
     static char const* const sDescriptionText;
-    static constexpr qv::FourChars sId = "ExpD";
+
+    ExportDoneLogEntry();
+    /// The caller owns the entry.
+    static qv::LogEntry* create();
+
+    qv::FourChars id() const override;
+    qv::ELogCategory category() const override;
+    QString descriptionText() const override;
+    QString action() const override;
+
+    qv::TLogValue<QString> text;
+
+private:
+    static qv::LogEntryFactoryRegistrar const sRegistrar;
 };
 
 /// An exported file that took another name: from `source` to `dest`, both within the folder `path`.
-class GENERICUTILITIES_EXPORT ExportRenameLogEntry : public ExportLogEntry<ExportRenameLogEntry> {
+class GENERICUTILITIES_EXPORT ExportRenameLogEntry : public qv::LogEntry {
 public:
     static char const* const sAction;
     static char const* const sDescriptionText;
-    static constexpr qv::FourChars sId = "ExpR";
 
     ExportRenameLogEntry();
+    /// The caller owns the entry.
+    static qv::LogEntry* create();
 
+    qv::FourChars id() const override;
+    qv::ELogCategory category() const override;
+    QString descriptionText() const override;
+    QString action() const override;
+
+    qv::TLogValue<QString> text;
     qv::TLogValue<QString> path;
     qv::TLogValue<QString> source;
     qv::TLogValue<QString> dest;
-};
 
-extern template class ExportLogEntry<ExportWrittenLogEntry>;
-extern template class ExportLogEntry<ExportStartLogEntry>;
-extern template class ExportLogEntry<ExportAbortLogEntry>;
-extern template class ExportLogEntry<ExportErrorLogEntry>;
-extern template class ExportLogEntry<ExportDoneLogEntry>;
-extern template class ExportLogEntry<ExportRenameLogEntry>;
-extern template class ExportRangeLogEntry<ExportWrittenLogEntry>;
-extern template class ExportRangeLogEntry<ExportStartLogEntry>;
+private:
+    static qv::LogEntryFactoryRegistrar const sRegistrar;
+};
