@@ -123,8 +123,11 @@ void ActionLog::Private::logOn()
 
 void ActionLog::Private::splitIfDue()
 {
+    // Asking for the moment costs more than all else here.
+    if (!file.isBegun() || splitPolicy == SplitNone)
+        return;
     QDateTime const now = actionLogTime();
-    if (!file.isBegun() || !split::isDue(splitPolicy, splitSize, file.date(), now, file.size()))
+    if (!split::isDue(splitPolicy, splitSize, file.date(), now, file.size()))
         return;
     QString const name = split::movedAsideName(
         splitPolicy, file.date(), now, fileInfo.baseName(), QCoreApplication::applicationName());

@@ -3,7 +3,6 @@
 
 #include <GenericUtilities/actionlog/LogDocument_p.h>
 
-#include <QProcess>
 #include <QSet>
 
 #include <algorithm>
@@ -15,11 +14,9 @@ namespace {
 
     QString systemUserName()
     {
-        QString const variable = QStringLiteral("USERNAME=");
-        QStringList const environment = QProcess::systemEnvironment();
-        auto const found = std::find_if(environment.begin(), environment.end(),
-            [&variable](QString const& entry) { return entry.startsWith(variable); });
-        return found == environment.end() ? QString() : found->mid(variable.size()) + QStringLiteral(" (System)");
+        constexpr char const* variable = "USERNAME";
+        return qEnvironmentVariableIsSet(variable) ? qEnvironmentVariable(variable) + QStringLiteral(" (System)")
+                                                   : QString();
     }
 
     /// Takes those in the list out of @p entries, in the order of the list.

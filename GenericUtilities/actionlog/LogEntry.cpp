@@ -2,11 +2,13 @@
 #include <GenericUtilities/actionlog/LogEntry.h>
 
 #include <GenericUtilities/actionlog/LogWriter.h>
+#include <GenericUtilities/actionlog/UntimedEntry_p.h>
 
 #include <QTextStream>
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 namespace qv {
 
@@ -77,6 +79,14 @@ namespace {
         return text;
     }
 
+    /// Whether the next entry that this thread makes is an untimed one.
+    thread_local bool isUntimedNext = false;
+
+    QDateTime momentOfConstruction()
+    {
+        return std::exchange(isUntimedNext, false) ? QDateTime() : QDateTime::currentDateTime();
+    }
+
     bool isSameTime(QDateTime const& left, QDateTime const& right)
     {
         // A null time compares equal to the first second of 1970.
@@ -86,7 +96,7 @@ namespace {
 } // namespace
 
 LogEntry::LogEntry()
-    : m_time("Time", QStringLiteral("Time"), QDateTime::currentDateTime())
+    : m_time("Time", QStringLiteral("Time"), momentOfConstruction())
     , m_user("User", QStringLiteral("User"))
 {
     append(&m_time);
@@ -122,10 +132,20 @@ void LogEntry::copyFrom(LogEntry const& other)
 
 LogEntry* LogEntry::clone() const
 {
-    std::unique_ptr<LogEntry> copy(logEntryFactory().create(id()));
+    std::unique_ptr<LogEntry> copy = newUntimedEntry(id());
     if (copy)
         copy->copyFrom(*this);
     return copy.release();
+}
+
+std::unique_ptr<LogEntry> newUntimedEntry(FourChars id)
+{
+    // Taken back also where nothing is made.
+    struct Untimed {
+        Untimed() { isUntimedNext = true; }
+        ~Untimed() { isUntimedNext = false; }
+    } const untimed;
+    return std::unique_ptr<LogEntry>(logEntryFactory().create(id));
 }
 
 void LogEntry::writeTo(ILogWriter& writer) const

@@ -3,6 +3,7 @@
 
 #include <GenericUtilities/actionlog/LogFileFilter_p.h>
 #include <GenericUtilities/actionlog/Translation_p.h>
+#include <GenericUtilities/actionlog/UntimedEntry_p.h>
 #include <GenericUtilities/actionlog/XmlWording_p.h>
 
 #include <QFile>
@@ -38,18 +39,23 @@ namespace {
     std::unique_ptr<LogEntry> entryOf(QXmlStreamAttributes const& attributes)
     {
         std::unique_ptr<LogEntry> entry;
+        bool isTimed = false;
         for (QXmlStreamAttribute const& attribute : attributes) {
             QString const text = attribute.value().toString();
             if (attribute.qualifiedName() == QLatin1String("ID")) {
-                entry.reset(logEntryFactory().create(FourChars(text)));
+                entry = newUntimedEntry(FourChars(text));
                 continue;
             }
             LogValue* const value = entry ? valueNamed(*entry, attribute.qualifiedName().toString()) : nullptr;
-            if (value)
+            if (value) {
                 value->setValue(text);
-            else if (entry)
+                isTimed = isTimed || value == &entry->time();
+            } else if (entry) {
                 break;
+            }
         }
+        if (entry && !isTimed)
+            entry->time().setValue(QDateTime::currentDateTime());
         return entry;
     }
 

@@ -39,6 +39,7 @@ class TestLogEntry : public QObject {
 
 private slots:
     void timeAndUserComeFirst();
+    void timeIsThatOfConstruction_data();
     void timeIsThatOfConstruction();
     void valueByCode();
     void copyGoesByPlace();
@@ -70,8 +71,21 @@ void TestLogEntry::timeAndUserComeFirst()
     QVERIFY(!entry.user().hasValue());
 }
 
+void TestLogEntry::timeIsThatOfConstruction_data()
+{
+    QTest::addColumn<QString>("copiedBefore");
+    QTest::newRow("of the first entry") << QString();
+    QTest::newRow("of one made after a copy") << QStringLiteral("ExpD");
+    QTest::newRow("of one made after a copy that could not be made") << QStringLiteral("Unkn");
+}
+
 void TestLogEntry::timeIsThatOfConstruction()
 {
+    QFETCH(QString, copiedBefore);
+    if (!copiedBefore.isEmpty()) {
+        std::unique_ptr<LogEntry> const copy(OtherEntry({}, copiedBefore).clone());
+        QCOMPARE(!copy, copiedBefore == QLatin1String("Unkn"));
+    }
     QDateTime const before = QDateTime::currentDateTime();
     OtherEntry const entry;
     QVERIFY(before <= entry.time().value());
