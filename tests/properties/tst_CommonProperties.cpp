@@ -164,7 +164,8 @@ void tst_CommonProperties::setVariantValue_data()
     auto const count = [] { return new UIntProperty("a", "", 1); };
     row(count(), "unsigned int", 4294967295u, true, 4294967295u);
     row(count(), "negative int wraps", -1, true, 4294967295u);
-    row(count(), "text of a number", "7", true, 7u);
+    row(count(), "text of the highest", "4294967295", true, 4294967295u);
+    row(count(), "double is rounded", 2999999999.5, true, 3000000000u);
     row(count(), "invalid", QVariant(), false, 1u);
     row(count(), "rectangle", QRect(1, 2, 3, 4), false, 1u);
 
@@ -221,10 +222,12 @@ void tst_CommonProperties::setVariantValue_data()
     auto const flag = [](bool value) { return new BoolProperty("a", "", value); };
     row(flag(false), "bool", true, true, true);
     row(flag(false), "number other than 0", -2, true, true);
+    row(flag(false), "double other than 0", 2.5, true, true);
     row(flag(true), "0", 0, true, false);
     row(flag(false), "text true", "true", true, true);
     row(flag(true), "text false", "false", true, false);
     row(flag(true), "text 0", "0", true, false);
+    row(flag(false), "any other text", "abc", true, true);
     row(flag(true), "empty text", "", true, false);
     row(flag(true), "invalid", QVariant(), false, true);
     row(flag(true), "date", leapDay, false, true);
@@ -270,6 +273,7 @@ void tst_CommonProperties::setVariantValue_data()
     auto const set = [] { return new PropertySetProperty("a", "", setOf({new IntProperty("i", "", 5)})); };
     QVariantMap const oldMap{{"i", 5}};
     row(set(), "map", QVariantMap{{"i", 6}}, true, QVariantMap{{"i", 6}});
+    row(set(), "hash", QVariantHash{{"i", 6}}, true, QVariantMap{{"i", 6}});
     row(set(), "list", QVariantList{6}, false, oldMap);
     row(set(), "text", "i", false, oldMap);
     row(set(), "invalid", QVariant(), false, oldMap);

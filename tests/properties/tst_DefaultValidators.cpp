@@ -114,7 +114,8 @@ void tst_DefaultValidators::range_data()
     row("2^32 + 11 is judged as 11", new U64(0, 10), l(4294967307), false);
     row("2^32 is judged as 0", new U64(1, 10), l(4294967296), false);
     row("highest is judged as 2^32 - 1", new U64(4294967295, 4294967295), l(18446744073709551615ull), true);
-    row("bounds keep all 64 bits", new U64(4294967296, 8589934592), l(4294967301), false);
+    row("minimum keeps all 64 bits", new U64(4294967296, 4294967306), l(4294967301), false);
+    row("maximum keeps all 64 bits", new U64(0, 4294967296), l(5), true);
     row("maximum beyond 32 bits", new U64(0, 18446744073709551615ull), l(4294967295), true);
     row("64 bits between crossed bounds", new U64(10, 1), l(5), false);
 
