@@ -220,6 +220,7 @@ bool TypeTool::equals(QVariant const& a, QVariant const& b)
 
 bool TypeTool::contains(QList<QVariant> const& list, QVariant const& value)
 {
+    m_ok = true;
     return std::any_of(list.begin(), list.end(), [&](QVariant const& element) { return equals(element, value); });
 }
 

@@ -78,6 +78,7 @@ private slots:
     void membership_data();
     void membership();
     void membershipStopsAtTheFirstHit();
+    void emptyListsAreNoFailure();
     void elementIsTheLeftOperand();
 };
 
@@ -374,6 +375,17 @@ void TestTypeToolOrder::membershipStopsAtTheFirstHit()
 {
     TypeTool tool(false, false);
     QVERIFY(tool.contains({5, QRect()}, 5));
+    QVERIFY(tool.wasOK());
+}
+
+void TestTypeToolOrder::emptyListsAreNoFailure()
+{
+    TypeTool tool(false, false);
+    tool.compare(QRect(), 5);
+    QVERIFY(!tool.contains({}, 5));
+    QVERIFY(tool.wasOK());
+    tool.compare(QRect(), 5);
+    QCOMPARE(tool.compareList({}, {}), 0);
     QVERIFY(tool.wasOK());
 }
 
