@@ -79,15 +79,21 @@ public:
     QVariant do_bitxor(QVariant const& a, QVariant const& b);
     ///@}
 
-    /// @p value on the scale of microseconds (for moments: since 1970-01-01 00:00 UTC). What converts to text is read
-    /// as a date in Qt::TextDate, and counts as 2^32 - 1 seconds where it is none; anything else is 0.
+    /// @p value on the scale of microseconds (for moments: since 1970-01-01 00:00 UTC, dates being midnights there).
+    /// What converts to text is read as a moment in Qt::TextDate. A moment that is invalid, or outside of 1970 to 2106,
+    /// counts as 2^32 - 1 seconds; what is neither date, number nor text counts as 0. A Double beyond 64 bits of
+    /// microseconds is taken as the nearest that fits, NaN as the lowest.
     static qint64 dateMicroSeconds(QVariant const& value);
     /// The same in seconds.
     static double dateSeconds(QVariant const& value);
     /// @p value moved by @p micros microseconds. A date moved by a part of a day and a time moved past midnight become
-    /// a date with time, in whole seconds.
+    /// a date with time, in whole seconds; so do both where they come to lie before 1970. Dates and moments are in UTC
+    /// and wrap into the 2^32 seconds from 1970 on, sums into 64 bits. A Double stays in days; an integer becomes an
+    /// Int of milliseconds, but 64 bits that are no whole milliseconds a ULongLong of microseconds.
     QVariant dateAdd(QVariant const& value, qint64 micros) const;
-    /// Conversion between dates and numbers, where QVariant has none; invalid for any other pair of types.
+    /// Conversion between dates and numbers in the units above, where QVariant has none; invalid for any other pair of
+    /// types. Int and UInt take the low 32 bits of a date's microseconds only, both 64-bit types give a ULongLong. A
+    /// number is read unsigned, as a moment in UTC that wraps as dateAdd() has it; negative days and NaN are 0.
     static QVariant castDate(QVariant const& value, QVariant::Type target);
 
     /// A text that sorts in the reverse order of @p text by code units; applied twice, it gives @p text again (unless
@@ -95,7 +101,7 @@ public:
     static QString invertString(QString const& text);
 
     /// Negative where a sorts before b, positive where after, 0 where neither. Doubles that differ by less than 1 have
-    /// the same place.
+    /// the same place; NaN and a number give a negative result in either order, so a sort has to leave NaN out.
     int compare(QVariant const& a, QVariant const& b);
     /// The order of the first elements that differ; a list sorts after every shorter one that it begins with.
     int compareList(QList<QVariant> const& left, QList<QVariant> const& right);

@@ -47,7 +47,8 @@ public:
     /// Writes name, description and value, one line each, and a line of hyphens. Returns @p out.
     virtual QTextStream& dump(QTextStream& out) const = 0;
     virtual QVariant variantValue() const = 0;
-    /// Takes @p value where its type can be converted to the property's; else returns false and keeps the old value.
+    /// Takes @p value where its type can be converted to the property's; else returns false and keeps the old value
+    /// (of an embedded set, those of the properties that refused theirs).
     /// As QVariant::canConvert() does, this looks at the type only: the text "abc" becomes the number 0.
     virtual bool setVariantValue(QVariant const& value) = 0;
 
@@ -80,7 +81,8 @@ private:
 /// Stands for a property that is not there: no name, no value, refuses every value.
 class GENERICUTILITIES_EXPORT IllegalProperty : public BaseProperty {
 public:
-    /// The only instance, which lookups of a missing name refer to; lives as long as the library is loaded.
+    /// The only instance, which lookups of a missing name refer to; lives as long as the library is loaded. A verdict
+    /// recorded on it is seen by the whole process: threads that hand it to validators have to take turns.
     static IllegalProperty ms_illegalProperty;
 
     QString type() const override;

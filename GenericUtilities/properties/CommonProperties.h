@@ -263,6 +263,9 @@ private:
 };
 
 /// An embedded set of properties; its variant is the map of their names and values.
+///
+/// It takes maps: each value is set on the property of its name. Where one is refused or its name unknown,
+/// setVariantValue() returns false although the others are set; the set never grows.
 class GENERICUTILITIES_EXPORT PropertySetProperty : public BaseProperty {
 public:
     PropertySetProperty(QString const& name, QString const& description, PropertySet const& value,
