@@ -63,7 +63,7 @@ namespace {
         return map;
     }
 
-    void warn(char const* name, char const* what)
+    void warn(QString const& name, char const* what)
     {
         constexpr int warning = 2;
         qv::LogQt* const log = qv::LogQt::instance();
@@ -155,7 +155,7 @@ bool FunctionExpression::registerFunction(
 {
     QString const key = QString::fromUtf8(name);
     if (functionMap().contains(key)) {
-        warn(name, " already declared.");
+        warn(key, " already declared.");
         return false;
     }
     functionMap().insert(key, {evaluate, minArguments, maxArguments, printSql});
@@ -164,9 +164,10 @@ bool FunctionExpression::registerFunction(
 
 bool FunctionExpression::registerSqlPrintFunction(char const* name, PrintSql printSql)
 {
-    auto const entry = functionMap().find(QString::fromUtf8(name));
+    QString const key = QString::fromUtf8(name);
+    auto const entry = functionMap().find(key);
     if (entry == functionMap().end()) {
-        warn(name, " not declared.");
+        warn(key, " not declared.");
         return false;
     }
     entry->printSql = printSql;

@@ -100,6 +100,7 @@ private slots:
     void replacingPrintFunction();
     void replacingPrintFunctionOfABuiltIn();
     void replacingUnknownPrintFunction();
+    void messageNamesWhatIsNotAscii();
     void messageAtLogLevel_data();
     void messageAtLogLevel();
     void silencedLog();
@@ -228,6 +229,19 @@ void TestFunctionRegistry::replacingUnknownPrintFunction()
     QVERIFY(!Functions::registerSqlPrintFunction("nosuch", Functions::printDefault));
     QVERIFY(!Functions::functionMap().contains(QStringLiteral("nosuch")));
     QCOMPARE(log.text(), QStringLiteral("WARNING: Function nosuch not declared.\n"));
+}
+
+void TestFunctionRegistry::messageNamesWhatIsNotAscii()
+{
+    RegistryGuard const guard;
+    LogCapture log(2);
+    QVERIFY(!Functions::registerSqlPrintFunction("l\xC3\xA4nge", nullptr));
+    QVERIFY(Functions::registerFunction("l\xC3\xA4nge", half, nullptr, 1, 1));
+    QVERIFY(!Functions::registerFunction("l\xC3\xA4nge", half, nullptr, 1, 1));
+    QString const name = QString::fromLatin1("l\xE4nge");
+    QVERIFY(Functions::functionMap().contains(name));
+    QCOMPARE(log.text(),
+        QStringLiteral("WARNING: Function %1 not declared.\nWARNING: Function %1 already declared.\n").arg(name));
 }
 
 void TestFunctionRegistry::messageAtLogLevel_data()
