@@ -38,7 +38,7 @@ public:
 
     /// The registry. Not locked: register while the program is loaded, or before threads use it.
     static QMap<QString, FunctionEntry>& functionMap();
-    /// Returns false, logs a warning and changes nothing where @p name is taken.
+    /// Returns false, logs a warning and changes nothing where @p name (UTF-8) is taken.
     static bool registerFunction(
         char const* name, Evaluate evaluate, PrintSql printSql, int minArguments, int maxArguments);
     /// Replaces how calls of @p name print in SQL, for a database that writes them in another way. Returns false and
