@@ -154,7 +154,7 @@ public:
     bool isEmpty() const override;
 };
 
-/// Conversions of an expression; a property takes part as its ValueExpression.
+/// Conversions of an expression; of a property: `toInt(+property)`.
 ///@{
 GENERICUTILITIES_EXPORT CastExpression toBool(ExpressionHandle operand);
 GENERICUTILITIES_EXPORT CastExpression toInt(ExpressionHandle operand);
