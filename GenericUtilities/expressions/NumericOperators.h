@@ -70,9 +70,10 @@ private:
 
 /// Negation or bitwise not of one operand.
 ///
-/// A minus mirrors dates around 1970-01-01 00:00 UTC and turns texts into ones that sort in reverse, so that it serves
-/// as descending sort term; printed as one (Expression::StyleOrderTerm), it is the operand followed by " DESC". The
-/// bitwise not is printed, but not carried out in memory: its value is that of the operand.
+/// A minus mirrors dates around 1970-01-01 00:00 UTC, in whole seconds of 32 bits (a second after it becomes the last
+/// one before 2106-02-07 06:28:16 UTC), and turns texts into ones that sort in reverse, so that it serves as descending
+/// sort term; printed as one (Expression::StyleOrderTerm), it is the operand followed by " DESC". The bitwise not is
+/// printed, but not carried out in memory: its value is that of the operand.
 class GENERICUTILITIES_EXPORT UnaryOperator : public Operator {
 public:
     /// Stored; never renumber.
