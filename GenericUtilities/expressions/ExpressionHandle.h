@@ -87,11 +87,12 @@ public:
     /// taken. For load time: the registry is not locked.
     static bool registerExpressionClass(ExpressionHandle prototype);
     /// Writes the record of a node: its class key, then its fields. A tree deeper than MaxDepth is not written at all:
-    /// the stream gets QDataStream::WriteFailed.
+    /// the stream gets QDataStream::WriteFailed. A constant of a type that docs/formats.md does not list is written,
+    /// but not read back.
     static void writeExpression(QDataStream& out, ExpressionHandle node);
     /// Reads a record. An unknown class key gives the empty handle and leaves the rest of the record unread. A tree
-    /// that is nested too deeply, or holds a constant of a type that is never written, gives the empty handle and
-    /// QDataStream::ReadCorruptData; bytes of any origin do no harm.
+    /// that is nested too deeply, or holds a constant of a type that docs/formats.md does not list, gives the empty
+    /// handle and QDataStream::ReadCorruptData; bytes of any origin do no harm.
     static ExpressionHandle readExpression(QDataStream& in);
 
 protected:
