@@ -5,6 +5,7 @@
 
 #include "CountingNode.h"
 #include "Nodes.h"
+#include "TypedVariant.h"
 
 #include <QDate>
 #include <QTest>
@@ -128,14 +129,16 @@ void TestBooleanOperators::values_data()
 void TestBooleanOperators::values()
 {
     QFETCH(QList<ExpressionHandle>, operands);
-    BooleanOperator conjunction(And);
-    BooleanOperator disjunction(Or);
+    BooleanOperator all(And);
+    BooleanOperator any(Or);
     for (ExpressionHandle const& operand : qAsConst(operands)) {
-        conjunction.append(operand);
-        disjunction.append(operand);
+        all.append(operand);
+        any.append(operand);
     }
-    QTEST(conjunction.evaluate(someProperties(), nullptr), "conjunction");
-    QTEST(disjunction.evaluate(someProperties(), nullptr), "disjunction");
+    QFETCH(QVariant, conjunction);
+    QFETCH(QVariant, disjunction);
+    QCOMPARE(typed::describe(all.evaluate(someProperties(), nullptr)), typed::describe(conjunction));
+    QCOMPARE(typed::describe(any.evaluate(someProperties(), nullptr)), typed::describe(disjunction));
 }
 
 void TestBooleanOperators::truthOfAnOperand_data()
@@ -337,7 +340,8 @@ void TestBooleanOperators::negation_data()
 void TestBooleanOperators::negation()
 {
     QFETCH(ExpressionHandle, operand);
-    QTEST((!operand).evaluate(someProperties(), nullptr), "negated");
+    QFETCH(QVariant, negated);
+    QCOMPARE(typed::describe((!operand).evaluate(someProperties(), nullptr)), typed::describe(negated));
 }
 
 void TestBooleanOperators::negationPassesConstness_data()

@@ -5,6 +5,7 @@
 
 #include "CountingNode.h"
 #include "Nodes.h"
+#include "TypedVariant.h"
 
 #include <QRect>
 #include <QTest>
@@ -122,7 +123,7 @@ void TestElementOf::values()
 {
     QFETCH(ExpressionHandle, tree);
     QFETCH(bool, found);
-    QCOMPARE(tree.evaluate(someProperties()), QVariant(found));
+    QCOMPARE(typed::describe(tree.evaluate(someProperties())), typed::describe(found));
 }
 
 void TestElementOf::constness_data()
