@@ -20,6 +20,7 @@ private slots:
     void extends();
     void movesAside_data();
     void movesAside();
+    void movesAsideByTheBaseName();
     void movesNothing_data();
     void movesNothing();
     void refusesWhatCannotBeReadBack();
@@ -147,6 +148,16 @@ void tst_ActionLogFiles::movesAside()
     QCOMPARE(scene.files(), QStringList({aside, QStringLiteral("Trail.qvl")}));
     QCOMPARE(scene.bytes(aside), before);
     QCOMPARE(scene.texts(), QStringList({QStringLiteral("new"), QStringLiteral("next")}));
+}
+
+void tst_ActionLogFiles::movesAsideByTheBaseName()
+{
+    Scene scene;
+    QString const name = QStringLiteral("Trail.north.qvl");
+    scene.hold("text\n", name);
+    scene.log().setFileInfo(QFileInfo(scene.path(name)));
+    scene.logText(QStringLiteral("new"));
+    QCOMPARE(scene.files(), QStringList({QStringLiteral("2026-11-21 10-11-12 Trail.qvl.corrupt"), name}));
 }
 
 void tst_ActionLogFiles::movesNothing_data()

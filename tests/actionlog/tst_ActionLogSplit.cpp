@@ -28,6 +28,8 @@ private slots:
     void byCalendar();
     void earlierFileIsDatedByItsHeader_data();
     void earlierFileIsDatedByItsHeader();
+    void earlierFileWithoutADateIsDatedByItsLastChange();
+    void baseNameEndsAtTheFirstDot();
     void movedFileIsEnded();
     void bySize_data();
     void bySize();
@@ -106,6 +108,30 @@ void tst_ActionLogSplit::earlierFileIsDatedByItsHeader()
     QCOMPARE(scene.bytes(aside), before);
     QCOMPARE(scene.texts(), QStringList({QStringLiteral("new")}));
     QCOMPARE(scene.listed(), QStringList({QStringLiteral("new")}));
+}
+
+void tst_ActionLogSplit::earlierFileWithoutADateIsDatedByItsLastChange()
+{
+    Scene scene;
+    scene.hold(scene::header(scene.path(), "yesterday") + scene::element(QStringLiteral("old")));
+    QFile file(scene.path());
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    QVERIFY(file.setFileTime(noon(2026, 11, 20), QFileDevice::FileModificationTime));
+    file.close();
+    scene.log().setSplitPolicy(qv::SplitDaily, 0);
+    scene.logText(QStringLiteral("new"));
+    QCOMPARE(scene.files(), QStringList({QStringLiteral("2026-47-20 Trail.qvl"), QStringLiteral("Trail.qvl")}));
+}
+
+void tst_ActionLogSplit::baseNameEndsAtTheFirstDot()
+{
+    Scene scene;
+    scene.log().setFileInfo(QFileInfo(scene.path(QStringLiteral("Trail.north.qvl"))));
+    scene.log().setSplitPolicy(qv::SplitDaily, 0);
+    scene.logText(QStringLiteral("old"));
+    scene.now = scene.now.addDays(1);
+    scene.logText(QStringLiteral("new"));
+    QCOMPARE(scene.files(), QStringList({QStringLiteral("2026-47-21 Trail.qvl"), QStringLiteral("Trail.north.qvl")}));
 }
 
 void tst_ActionLogSplit::movedFileIsEnded()
