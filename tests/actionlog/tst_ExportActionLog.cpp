@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "LogScene.h"
+#include "MarkingTranslator.h"
 #include "ReversingTranslator.h"
 
 #include <GenericUtilities/actionlog/ExportActionLogMessageHandler.h>
@@ -54,6 +55,8 @@ private slots:
     void templates_data();
     void templates();
     void templateIsTranslatedFormatIsNot();
+    void renameIsTranslated();
+    void timesAreLocalAndCutToSeconds();
     void withoutTimesTheFirstSecondIsKept();
     void timesWrapAround();
 };
@@ -231,6 +234,28 @@ void tst_ExportActionLog::templateIsTranslatedFormatIsNot()
     ExportActionLog::send(ExportActionLog::Printer, QStringLiteral("Lobby"), {}, 0, 0, ExportActionLog::Start);
     QCOMPARE(scene.listed(), QStringList({QStringLiteral(".'2%'=ecruoS ;'1%'=tamroF")}));
     QCOMPARE(scene.log().entry(0)->logValue(qv::FourChars("Form"))->toString(), QStringLiteral("Printer"));
+}
+
+void tst_ExportActionLog::renameIsTranslated()
+{
+    MarkingTranslator marking;
+    QCoreApplication::installTranslator(&marking);
+    Scene scene;
+    ExportActionLog::send(QStringLiteral("/clips/"), QStringLiteral("a.avi"), QStringLiteral("b.avi"));
+    QCOMPARE(scene.listed(), QStringList({QStringLiteral("~'/clips/a.avi' to '/clips/b.avi'.")}));
+}
+
+void tst_ExportActionLog::timesAreLocalAndCutToSeconds()
+{
+    Scene scene;
+    ExportActionLog::send(ExportActionLog::AVI, {}, {}, begin + 999999, end + 500000, ExportActionLog::Start);
+    auto const timeOf = [&](char const(&code)[5]) {
+        return dynamic_cast<qv::TLogValue<QDateTime> const&>(*scene.log().entry(0)->logValue(code)).value();
+    };
+    QCOMPARE(timeOf("from").toMSecsSinceEpoch(), qint64(begin / 1000));
+    QCOMPARE(timeOf("to  ").toMSecsSinceEpoch(), qint64(end / 1000));
+    QCOMPARE(timeOf("from").timeSpec(), Qt::LocalTime);
+    QCOMPARE(timeOf("to  ").timeSpec(), Qt::LocalTime);
 }
 
 void tst_ExportActionLog::withoutTimesTheFirstSecondIsKept()
