@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
+#include "MarkingTranslator.h"
+
 #include <GenericUtilities/actionlog/LogFile_p.h>
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
@@ -27,6 +30,8 @@ private slots:
     void tellWhatTheyAreMadeOf();
     void files_data();
     void files();
+    void messagesAreTranslated_data();
+    void messagesAreTranslated();
 };
 
 void tst_ActionLogExceptions::tellWhatTheyAreMadeOf()
@@ -90,6 +95,39 @@ void tst_ActionLogExceptions::files()
         QCOMPARE(failure.message(), message.replace(QStringLiteral("%1"), path));
         QCOMPARE(failure.file(), path);
         QTEST(int(failure.type()), "type");
+    }
+}
+
+void tst_ActionLogExceptions::messagesAreTranslated_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QString>("message");
+    QTest::newRow("no such file") << QByteArray() << "~Could not open file '%1'";
+    QTest::newRow("header of another version") << QByteArray("<?xml version=\"1.0\"?><Entries Version=\"v0.2\">")
+                                               << "~Action log '%1' invalid header version.";
+    QTest::newRow("damaged") << QByteArray("text") << "~Error reading log file '%1'; Line '1'; Column '1'";
+}
+
+void tst_ActionLogExceptions::messagesAreTranslated()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QString, message);
+    MarkingTranslator translator;
+    QCoreApplication::installTranslator(&translator);
+    QTemporaryDir const folder;
+    qv::LogFile log;
+    log.setPath(folder.filePath(QStringLiteral("a.qvl")));
+    QFile file(log.path());
+    if (!content.isEmpty()) {
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(content);
+        file.close();
+    }
+    try {
+        log.requireSound(log.read());
+        QFAIL("nothing is thrown");
+    } catch (ActionLogException const& failure) {
+        QCOMPARE(failure.message(), message.replace(QStringLiteral("%1"), log.path()));
     }
 }
 
