@@ -205,13 +205,18 @@ void tst_ActionLogConfiguration::loads()
 {
     Scene scene;
     QString const path = qv::FileUtils::userDataDir() + QStringLiteral("/logs/Trail.qvl");
-    Record record({{key("SplitState"), 2}, {key("SplitSize"), 77}, {key("isDefaultLogPath"), false},
-        {key("ActionLogPath"), QStringLiteral("%LOCALAPPDATA%/logs/Trail.qvl")}, {key("Durability"), 0}});
+    Record record({{key("SplitState"), 2}, {key("SplitSize"), 77}, {key("ActionLogUser"), QStringLiteral("ann")},
+        {key("isDefaultLogPath"), false}, {key("ActionLogPath"), QStringLiteral("%LOCALAPPDATA%/logs/Trail.qvl")},
+        {key("Durability"), 0}});
     scene.log().load(&record);
     QCOMPARE(scene.log().splitPolicy(), qv::SplitWeekly);
     QCOMPARE(scene.log().splitSize(), 77);
     QCOMPARE(loggedTo(scene), path);
     QCOMPARE(scene.log().durability(), qv::DurabilityNone);
+    // The group is left: what is saved next has the same keys.
+    record.values.clear();
+    scene.log().save(&record);
+    QCOMPARE(record.values.at(2), qMakePair(key("ActionLogUser"), QVariant(QStringLiteral("ann"))));
 }
 
 void tst_ActionLogConfiguration::loadsTheDefaultPath()
