@@ -45,6 +45,16 @@ std::unique_ptr<qv::FileUserLogon> knowNobody(QString const&, QString const&, QS
     return nullptr;
 }
 
+/// Where relative paths begin, until the end of its scope.
+struct CurrentFolder {
+    explicit CurrentFolder(QString const& folder) { QDir::setCurrent(folder); }
+    ~CurrentFolder() { QDir::setCurrent(before); }
+    CurrentFolder(CurrentFolder const&) = delete;
+    CurrentFolder& operator=(CurrentFolder const&) = delete;
+
+    QString const before = QDir::currentPath();
+};
+
 using Operation = std::function<void(Scene&)>;
 
 QStringList added(int row)
@@ -70,6 +80,7 @@ private slots:
     void readEntries_data();
     void readEntries();
     void readsNothingWhereThereIsNoFile();
+    void listsNothingOfAFileThatIsGone();
     void damageIsListedAndTold();
     void damageIsListedWhereTheFileIsToBeExtended();
     void damageIsToldWhileEntriesWait();
@@ -79,11 +90,15 @@ private slots:
     void removesAll();
     void backsUp();
     void backupOverwritesNothing();
+    void backupIsKeptAsTheLogIs();
     void snapshotOutlivesTheList();
     void switches();
+    void switchesToARelativePath();
+    void switchesWithoutAnEntryWhileInactive();
     void switchesToNoOtherFile_data();
     void switchesToNoOtherFile();
     void anotherFileEmptiesTheList();
+    void fileThatOthersMovedEmptiesTheList();
     void receiverThatLogs();
     void receiverThatChangesTheList();
     void receiverThatDeletesTheLog();
@@ -92,6 +107,7 @@ private slots:
     void userName_data();
     void userName();
     void userNameIsThatOfOneVariable();
+    void userNameIsThatOfTheLatestFileUser();
     void unknownFileUserIsRefused();
 };
 
@@ -258,6 +274,16 @@ void tst_ActionLog::readsNothingWhereThereIsNoFile()
     QCOMPARE(scene.texts(), QStringList({QStringLiteral("one")}));
 }
 
+void tst_ActionLog::listsNothingOfAFileThatIsGone()
+{
+    Scene scene;
+    scene.logText(QStringLiteral("one"));
+    QVERIFY(QFile::remove(scene.path()));
+    scene.told.clear();
+    scene.log().readLog();
+    QCOMPARE(scene.told, QStringList({QStringLiteral("removing 0 0 of 1"), QStringLiteral("removed 0 0 of 0")}));
+}
+
 void tst_ActionLog::damageIsListedWhereTheFileIsToBeExtended()
 {
     Scene scene;
@@ -381,6 +407,19 @@ void tst_ActionLog::backupOverwritesNothing()
     QCOMPARE(scene.listed(), QStringList({QStringLiteral("one")}));
 }
 
+void tst_ActionLog::backupIsKeptAsTheLogIs()
+{
+    Scene scene(QStringLiteral("correct horse"));
+    CurrentFolder const folder(scene.path({}));
+    scene.logText(QStringLiteral("one"));
+    QList<qv::LogEntry*> entries = scene.log().entries();
+    QVERIFY(scene.log().backupEntries(entries, QStringLiteral("Backup.qvl")));
+    QVERIFY(!scene.bytes(QStringLiteral("Backup.qvl")).contains("Entries"));
+    QCOMPARE(scene.texts(QStringLiteral("Backup.qvl")), QStringList({QStringLiteral("one")}));
+    QCOMPARE(QFileInfo(scene.content(QStringLiteral("Backup.qvl")).header->logFile),
+        QFileInfo(scene.path(QStringLiteral("Backup.qvl"))));
+}
+
 void tst_ActionLog::snapshotOutlivesTheList()
 {
     Scene scene;
@@ -412,6 +451,39 @@ void tst_ActionLog::switches()
     QCOMPARE(scene.content(QStringLiteral("Other.qvl")).entries.size(), size_t(1));
 }
 
+/// The path is told as it was given; the file is that of the folder of then, and its header tells where it is.
+void tst_ActionLog::switchesToARelativePath()
+{
+    Scene scene;
+    QString const other = QStringLiteral("Other.qvl");
+    QString told;
+    QObject::connect(&scene.log(), &ActionLog::switchedFileHandle, [&](QString const& file) { told = file; });
+    {
+        CurrentFolder const folder(scene.path({}));
+        scene.log().switchFileHandle(other);
+    }
+    QCOMPARE(told, other);
+    QCOMPARE(scene.log().entry(0)->logValue(qv::FourChars("filN"))->toString(), other);
+    QVERIFY(QFileInfo(scene.content(other).header->logFile).isAbsolute());
+    scene.logText(QStringLiteral("one"));
+    QCOMPARE(scene.texts(other), QStringList({QString(), QStringLiteral("one")}));
+    scene.log().switchFileHandle(scene.path());
+    QCOMPARE(scene.log().entry(0)->logValue(qv::FourChars("filO"))->toString(), other);
+}
+
+void tst_ActionLog::switchesWithoutAnEntryWhileInactive()
+{
+    ActionLog::setDefaultActive(false);
+    Scene scene;
+    ActionLog::setDefaultActive(true);
+    scene.log().switchFileHandle(scene.path(QStringLiteral("Other.qvl")));
+    QCOMPARE(scene.told, QStringList({QStringLiteral("switched Other.qvl")}));
+    QCOMPARE(scene.files(), QStringList());
+    scene.log().activate();
+    scene.logText(QStringLiteral("one"));
+    QCOMPARE(scene.texts(QStringLiteral("Other.qvl")), QStringList({QStringLiteral("one")}));
+}
+
 void tst_ActionLog::switchesToNoOtherFile_data()
 {
     QTest::addColumn<QString>("path");
@@ -441,6 +513,18 @@ void tst_ActionLog::anotherFileEmptiesTheList()
     QVERIFY(scene.bytes().endsWith(scene::endTag));
     scene.logText(QStringLiteral("two"));
     QCOMPARE(scene.texts(QStringLiteral("Other.qvl")), QStringList({QStringLiteral("two")}));
+}
+
+void tst_ActionLog::fileThatOthersMovedEmptiesTheList()
+{
+    Scene scene;
+    scene.logText(QStringLiteral("one"));
+    QVERIFY(QFile::rename(scene.path(), scene.path(QStringLiteral("Moved.qvl"))));
+    scene.told.clear();
+    scene.logText(QStringLiteral("two"));
+    QCOMPARE(
+        scene.told, QStringList({QStringLiteral("removing 0 0 of 1"), QStringLiteral("removed 0 0 of 0")}) + added(0));
+    QCOMPARE(scene.texts(), QStringList({QStringLiteral("two")}));
 }
 
 void tst_ActionLog::receiverThatLogs()
@@ -553,6 +637,8 @@ void tst_ActionLog::userName_data()
                                   << "" << QByteArray("env") << "env (System)";
     QTest::newRow("an empty name") << false << ""
                                    << "" << QByteArray("") << " (System)";
+    QTest::newRow("all that follows the first equals sign") << false << ""
+                                                            << "" << QByteArray(" a=b ") << " a=b  (System)";
     QTest::newRow("no name") << false << ""
                              << "" << QByteArray() << "";
     QTest::newRow("what looks like a placeholder") << true << "%2"
@@ -584,6 +670,21 @@ void tst_ActionLog::userNameIsThatOfOneVariable()
     for (char const* other : {"username", "USERNAME2", "MYUSERNAME"})
         qunsetenv(other);
     QCOMPARE(name, QString());
+}
+
+void tst_ActionLog::userNameIsThatOfTheLatestFileUser()
+{
+    Logon const logon([](QString const& user, QString const&, QString*, int*) {
+        return std::make_unique<qv::FileUserLogon>(user, QString());
+    });
+    Scene scene;
+    QStringList names;
+    for (char const* user : {"ann", "bob", ""}) {
+        scene.log().setFileUserPassword(QLatin1String(user), {});
+        scene.logText(QStringLiteral("one"));
+        names << scene.log().entries().last()->user().value();
+    }
+    QCOMPARE(names, QStringList({QStringLiteral("ann"), QStringLiteral("bob"), scene::user}));
 }
 
 void tst_ActionLog::unknownFileUserIsRefused()
