@@ -126,6 +126,7 @@ private slots:
     void initTestCase() { entries::keepStateIn(m_state.path()); }
     void permissions_data();
     void permissions();
+    void listStaysWhereNoSplitIsPossible();
     void fullDisk_data() { crash::modes(); }
     void fullDisk();
 
@@ -200,6 +201,24 @@ void tst_ActionLogPermissions::permissions()
     bool const isThere
         = std::any_of(files.begin(), files.end(), [&](QByteArray const& bytes) { return bytes.startsWith(old); });
     QVERIFY(isThere);
+}
+
+void tst_ActionLogPermissions::listStaysWhereNoSplitIsPossible()
+{
+    crash::Folder const folder;
+    QString const path = folder.path(QStringLiteral("Trail.qvl"));
+    folder.hold({{"Trail.qvl", wholeFile()}});
+    giveTo(nobody, path);
+    setMode(folder.path(), 0555);
+    QByteArray const said = inChild([&] {
+        qv::ActionLog const& log = entries::openLog(path, Mode::Plain, 1);
+        entries::log(1, 1);
+        entries::log(1, 2);
+        return QString::number(log.entryCount());
+    });
+    setMode(folder.path(), 0755);
+    QCOMPARE(said, QByteArray("3"));
+    QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList{QStringLiteral("Trail.qvl")});
 }
 
 void tst_ActionLogPermissions::fullDisk()
