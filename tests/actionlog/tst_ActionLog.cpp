@@ -416,8 +416,7 @@ void tst_ActionLog::backupIsKeptAsTheLogIs()
     QVERIFY(scene.log().backupEntries(entries, QStringLiteral("Backup.qvl")));
     QVERIFY(!scene.bytes(QStringLiteral("Backup.qvl")).contains("Entries"));
     QCOMPARE(scene.texts(QStringLiteral("Backup.qvl")), QStringList({QStringLiteral("one")}));
-    QCOMPARE(QFileInfo(scene.content(QStringLiteral("Backup.qvl")).header->logFile),
-        QFileInfo(scene.path(QStringLiteral("Backup.qvl"))));
+    QVERIFY(QFileInfo(scene.content(QStringLiteral("Backup.qvl")).header->logFile).isAbsolute());
 }
 
 void tst_ActionLog::snapshotOutlivesTheList()
@@ -466,7 +465,8 @@ void tst_ActionLog::switchesToARelativePath()
     QCOMPARE(scene.log().entry(0)->logValue(qv::FourChars("filN"))->toString(), other);
     QVERIFY(QFileInfo(scene.content(other).header->logFile).isAbsolute());
     scene.logText(QStringLiteral("one"));
-    QCOMPARE(scene.texts(other), QStringList({QString(), QStringLiteral("one")}));
+    scene.log().readLog();
+    QCOMPARE(scene.listed(), QStringList({QString(), QStringLiteral("one")}));
     scene.log().switchFileHandle(scene.path());
     QCOMPARE(scene.log().entry(0)->logValue(qv::FourChars("filO"))->toString(), other);
 }
