@@ -56,8 +56,8 @@ public:
     /// Reads the file anew into the list. Damage is told by errorXml(), a file that cannot be read by errorFile();
     /// the entries before the damage are listed, and nothing is moved or changed.
     void readLog();
-    /// The same, with QIODevice::ReadWrite leaving the file open to be extended. False where it cannot be opened.
-    /// Throws ActionLogXmlException where it is damaged.
+    /// The same, with QIODevice::ReadWrite leaving the file open to be extended. False where it cannot be opened or its
+    /// header is refused. Throws ActionLogXmlException where it is damaged.
     bool readEntries(QIODevice::OpenMode mode);
 
     /// The entries in memory, which are those of the current file, oldest first: of what other processes write to it
@@ -78,10 +78,11 @@ public:
     /// @p fileName. False, with errorFile(), where such a file exists or cannot be written; nothing is deleted then.
     bool backupEntries(QList<LogEntry*>& entries, QString const& fileName);
 
-    /// Ends the current file and goes on in @p newFile, whose first new entry tells of the switch.
+    /// Ends the current file and goes on in @p newFile, whose first new entry tells of the switch. Does nothing where
+    /// that is the current file, or empty. An inactive log makes no entry.
     void switchFileHandle(QString const& newFile);
     QFileInfo fileInfo() const;
-    /// Ends the current file and goes on in this one. The list is emptied.
+    /// Ends the current file and goes on in this one; the list is emptied. Does nothing where it is the current one.
     void setFileInfo(QFileInfo const& fileInfo);
     /// In whose name the file is written: @p user, unless empty, is logged on (FileUserLogon). With a @p password the
     /// file is encrypted (FileEncrypt). A current file of other credentials is ended.

@@ -29,7 +29,8 @@ class GENERICUTILITIES_EXPORT XMLLogReader : public QXmlStreamReader {
 public:
     static constexpr int MaxDepth = 100;
 
-    /// Reads @p file from where it stands. It stays the caller's, is open for reading and outlives this object.
+    /// Reads @p file from where it stands. It stays the caller's, is open for reading and outlives this object. Null
+    /// reads as an empty file does.
     explicit XMLLogReader(QFile* file);
     /// The same for any device; @p name is how messages call it.
     XMLLogReader(QIODevice* device, QString const& name);
