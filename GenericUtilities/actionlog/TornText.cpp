@@ -13,7 +13,8 @@ namespace {
     std::unique_ptr<FileEncrypt> openAside(QString const& path, DeviceMaker const& newDevice)
     {
         QFileInfo const info(path);
-        AsideName const name = {info.baseName(), QLatin1Char('.') + info.completeSuffix() + QStringLiteral(".torn")};
+        QString const stem = info.baseName();
+        AsideName const name = {stem, info.fileName().mid(stem.size()) + QStringLiteral(".torn")};
         int attempt = 1;
         QString aside;
         do

@@ -18,6 +18,8 @@ private slots:
     void headerTellsVersions();
     void extends_data();
     void extends();
+    void keepsTornTextBesideTheFile_data();
+    void keepsTornTextBesideTheFile();
     void movesAside_data();
     void movesAside();
     void movesAsideByTheBaseName();
@@ -100,6 +102,31 @@ void tst_ActionLogFiles::extends()
     QCOMPARE(scene.bytes(), kept + added + scene::endTag);
     QCOMPARE(scene.bytes(QStringLiteral("Trail.qvl.torn")), torn);
     QCOMPARE(scene.files().size(), torn.isEmpty() ? 1 : 2);
+}
+
+void tst_ActionLogFiles::keepsTornTextBesideTheFile_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("torn");
+    QTest::newRow("one suffix") << "Trail.qvl"
+                                << "Trail.qvl.torn";
+    QTest::newRow("dots in its name") << "Trail.north.qvl"
+                                      << "Trail.north.qvl.torn";
+    QTest::newRow("no suffix") << "Trail"
+                               << "Trail.torn";
+}
+
+void tst_ActionLogFiles::keepsTornTextBesideTheFile()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, torn);
+    Scene scene;
+    scene.hold(scene::header(scene.path(name)) + "<Entry", name);
+    scene.log().setFileInfo(QFileInfo(scene.path(name)));
+    scene.logText(QStringLiteral("new"));
+    QCOMPARE(scene.bytes(torn), QByteArray("<Entry"));
+    QCOMPARE(scene.texts(name), QStringList({QStringLiteral("new")}));
+    QCOMPARE(scene.files(), QStringList({name, torn}));
 }
 
 void tst_ActionLogFiles::movesAside_data()
