@@ -91,6 +91,8 @@ private slots:
     void backsUp();
     void backupOverwritesNothing();
     void backupIsKeptAsTheLogIs();
+    void backupIsWholeOrNotThere();
+    void backupOfManyEntries();
     void snapshotOutlivesTheList();
     void switches();
     void switchesToARelativePath();
@@ -417,6 +419,32 @@ void tst_ActionLog::backupIsKeptAsTheLogIs()
     QVERIFY(!scene.bytes(QStringLiteral("Backup.qvl")).contains("Entries"));
     QCOMPARE(scene.texts(QStringLiteral("Backup.qvl")), QStringList({QStringLiteral("one")}));
     QVERIFY(QFileInfo(scene.content(QStringLiteral("Backup.qvl")).header->logFile).isAbsolute());
+}
+
+void tst_ActionLog::backupIsWholeOrNotThere()
+{
+    Scene scene;
+    scene.logText(QStringLiteral("one"));
+    scene.logText(QStringLiteral("two"));
+    scene.log().entry(1)->logValue(qv::FourChars("Text"))->setValue(QString(17 * 1024 * 1024, 'x'));
+    QList<qv::LogEntry*> entries = scene.log().entries();
+    scene.told.clear();
+    QVERIFY(!scene.log().backupEntries(entries, scene.path(QStringLiteral("Backup.qvl"))));
+    QCOMPARE(scene.told, QStringList({QStringLiteral("errorFile Backup.qvl 1")}));
+    QCOMPARE(scene.files(), QStringList({QStringLiteral("Trail.qvl")}));
+    QCOMPARE(entries.size(), 2);
+}
+
+/// More than are written at a time.
+void tst_ActionLog::backupOfManyEntries()
+{
+    Scene scene;
+    QStringList const texts = {QString(50000, 'a'), QString(50000, 'b'), QString(50000, 'c')};
+    for (QString const& text : texts)
+        scene.logText(text);
+    QList<qv::LogEntry*> entries = scene.log().entries();
+    QVERIFY(scene.log().backupEntries(entries, scene.path(QStringLiteral("Backup.qvl"))));
+    QCOMPARE(scene.texts(QStringLiteral("Backup.qvl")), texts);
 }
 
 void tst_ActionLog::snapshotOutlivesTheList()

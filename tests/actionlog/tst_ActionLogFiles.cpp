@@ -33,6 +33,8 @@ private slots:
     void tampering_data();
     void tampering();
     void endTagIsWrittenOnlyByWhoWrote();
+    void fileThatOthersMovedIsNotBegunAgain_data();
+    void fileThatOthersMovedIsNotBegunAgain();
     void unfinishedFileIsReadAsItIs();
     void onlyFilesAreRead_data();
     void onlyFilesAreRead();
@@ -315,6 +317,27 @@ void tst_ActionLogFiles::endTagIsWrittenOnlyByWhoWrote()
     scene.log().readLog();
     qv::ActionLog::deleteActionLog();
     QCOMPARE(scene.bytes(), before);
+}
+
+void tst_ActionLogFiles::fileThatOthersMovedIsNotBegunAgain_data()
+{
+    QTest::addColumn<int>("durability");
+    QTest::addColumn<QStringList>("files");
+    QTest::newRow("all is written") << int(qv::DurabilityFlush) << QStringList{"Moved.qvl"};
+    QTest::newRow("unless an entry waits") << int(qv::DurabilityNone) << QStringList{"Moved.qvl", "Trail.qvl"};
+}
+
+/// When the log ends.
+void tst_ActionLogFiles::fileThatOthersMovedIsNotBegunAgain()
+{
+    QFETCH(int, durability);
+    Scene scene;
+    scene.log().setDurability(qv::EDurability(durability));
+    scene.logText(QStringLiteral("one"));
+    QVERIFY(QFile::rename(scene.path(), scene.path(QStringLiteral("Moved.qvl"))));
+    qv::ActionLog::deleteActionLog();
+    QTEST(scene.files(), "files");
+    QCOMPARE(scene.texts() + scene.texts(QStringLiteral("Moved.qvl")), QStringList({QStringLiteral("one")}));
 }
 
 void tst_ActionLogFiles::unfinishedFileIsReadAsItIs()
