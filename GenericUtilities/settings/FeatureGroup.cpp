@@ -32,7 +32,8 @@ FeatureGroup::FeatureGroup(int id, QString name, QString description)
 
 FeatureGroup::~FeatureGroup()
 {
-    qDeleteAll(m_features);
+    if (m_ownsFeatures)
+        qDeleteAll(m_features);
 }
 
 void FeatureGroup::addFeature(Feature* feature)

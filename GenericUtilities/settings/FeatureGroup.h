@@ -64,6 +64,7 @@ private:
     QString m_name;
     QString m_description;
     QMap<int, Feature*> m_features;
+    bool m_ownsFeatures = true; // no longer once the matrix ends, which deletes them itself
 };
 
 } // namespace qv

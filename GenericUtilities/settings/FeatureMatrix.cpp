@@ -121,16 +121,17 @@ FeatureMatrix::FeatureMatrix(int rows, int columns)
 
 FeatureMatrix::~FeatureMatrix()
 {
-    QSet<Feature*> features; // A feature of several groups is to be deleted once.
+    // A feature of several groups is to be deleted once, and no earlier than the last group, which may look at it.
+    QSet<Feature*> features;
     for (FeatureGroup* const group : qAsConst(m_featureGroups)) {
         if (!group)
             continue;
         for (Feature* const feature : qAsConst(group->m_features))
             features.insert(feature);
-        group->m_features.clear();
+        group->m_ownsFeatures = false;
     }
-    qDeleteAll(features);
     qDeleteAll(m_featureGroups);
+    qDeleteAll(features);
     qDeleteAll(m_userGroups);
 }
 

@@ -36,6 +36,26 @@ private:
     int* m_deleted;
 };
 
+/// Says in its end which features it has.
+class Farewell : public FeatureGroup {
+public:
+    Farewell(int id, QStringList* said)
+        : FeatureGroup(id)
+        , m_said(said)
+    {
+    }
+    Farewell(Farewell const&) = delete;
+    Farewell& operator=(Farewell const&) = delete;
+    ~Farewell() override
+    {
+        for (Feature const* const feature : features())
+            m_said->append(QString("%1 %2").arg(id()).arg(feature->name()));
+    }
+
+private:
+    QStringList* m_said;
+};
+
 constexpr int live = 10;
 constexpr int play = 20;
 constexpr int exportVideo = 30;
@@ -101,6 +121,7 @@ private slots:
     void missingGroupIsEnteredEmpty();
     void nullIsIgnored();
     void everythingOwnedIsDeletedOnce();
+    void featuresOutliveTheirGroups();
     void replacedIsNotDeleted();
     void groupAloneDeletesItsFeatures();
 };
@@ -324,6 +345,21 @@ void tst_FeatureMatrix::everythingOwnedIsDeletedOnce()
     QCOMPARE(features, 2);
     QCOMPARE(featureGroups, 2);
     QCOMPARE(userGroups, 1);
+}
+
+void tst_FeatureMatrix::featuresOutliveTheirGroups()
+{
+    QStringList said;
+    {
+        FeatureMatrix matrix(2, 1);
+        matrix.addFeatureGroup(new Farewell(0, &said));
+        matrix.addFeatureGroup(new Farewell(1, &said));
+        auto* const shared = new Feature(play, "play");
+        matrix.addFeatureToGroup(new Feature(live, "live"), 0);
+        matrix.addFeatureToGroup(shared, 0);
+        matrix.addFeatureToGroup(shared, 1);
+    }
+    QCOMPARE(said, (QStringList{"0 live", "0 play", "1 play"}));
 }
 
 void tst_FeatureMatrix::replacedIsNotDeleted()
