@@ -388,12 +388,14 @@ void tst_TimeConversions::wholeSecondsSurviveTheRoundTrip()
 void tst_TimeConversions::currentCounts()
 {
     qint64 const before = QDateTime::currentMSecsSinceEpoch();
-    qint64 const counts[] = {qv::currentSeconds() * 1000, qv::currentMilliSeconds(), qv::currentMicroSeconds() / 1000,
-        qv::currentNanoSeconds() / 1000000, qint64(qv::currentFrameTime() / 1000),
-        qint64(qv::currentSecondsFrac() * 1000)};
+    qint64 const seconds = qv::currentSeconds();
+    qint64 const counts[]
+        = {qv::currentMilliSeconds(), qv::currentMicroSeconds() / 1000, qv::currentNanoSeconds() / 1000000,
+            qint64(qv::currentFrameTime() / 1000), qRound64(qv::currentSecondsFrac() * 1000)};
     qint64 const after = QDateTime::currentMSecsSinceEpoch();
+    QVERIFY2(seconds >= before / 1000 && seconds <= after / 1000, QByteArray::number(seconds));
     for (qint64 const count : counts)
-        QVERIFY2(count > before - 1000 && count <= after, QByteArray::number(count));
+        QVERIFY2(count >= before && count <= after, QByteArray::number(count));
 }
 
 void tst_TimeConversions::dayConstants()
