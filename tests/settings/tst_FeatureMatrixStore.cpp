@@ -4,6 +4,7 @@
 #include "MatrixScene.h"
 
 #include <support/Random.h>
+#include <support/VirtualSlots.h>
 
 #include <QTemporaryDir>
 #include <QTest>
@@ -57,6 +58,7 @@ private slots:
     void refusalNeedsStreamAndLevel_data();
     void refusalNeedsStreamAndLevel();
     void groupsCountWhereCellsDoNot();
+    void operationsKeepTheirSlots();
 
 private:
     QString m_log;
@@ -381,6 +383,12 @@ void tst_FeatureMatrixStore::groupsCountWhereCellsDoNot()
     addGroups(manyCells, 1, 2);
     manyCells.save(&destination);
     QCOMPARE(destination.stored("FeatureMatrix/Matrix").toByteArray(), QByteArray("3+"));
+}
+
+void tst_FeatureMatrixStore::operationsKeepTheirSlots()
+{
+    QCOMPARE(support::slotOf(&qv::FeatureMatrix::save), 2);
+    QCOMPARE(support::slotOf(&qv::FeatureMatrix::load), 3);
 }
 
 QTEST_APPLESS_MAIN(tst_FeatureMatrixStore)

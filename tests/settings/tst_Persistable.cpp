@@ -3,6 +3,8 @@
 #include <GenericUtilities/settings/Settings.h>
 #include <qvbase/Log.h>
 
+#include <support/VirtualSlots.h>
+
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -108,6 +110,7 @@ private slots:
     void defaultsLeaveTheDestinationUntouched();
     void nullDestinationIsNotTouched();
     void overridesAreCalled();
+    void operationsKeepTheirSlots();
 
 private:
     std::ostringstream m_log;
@@ -211,6 +214,12 @@ void tst_Persistable::overridesAreCalled()
     run(loaded, Load, &destination);
     QCOMPARE(loaded.m_count, 7);
     QVERIFY(m_log.str().empty());
+}
+
+void tst_Persistable::operationsKeepTheirSlots()
+{
+    QCOMPARE(support::slotOf(&qv::Persistable::load), 2);
+    QCOMPARE(support::slotOf(&qv::Persistable::save), 3);
 }
 
 QTEST_APPLESS_MAIN(tst_Persistable)

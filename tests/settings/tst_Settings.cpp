@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <GenericUtilities/settings/Settings.h>
 
+#include <support/VirtualSlots.h>
+
 #include <QPointer>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -19,6 +21,8 @@ private slots:
     void interfaceById_data();
     void interfaceById();
     void constInterfaceGoesThroughTheOther();
+    void operationsKeepTheirSlots_data();
+    void operationsKeepTheirSlots();
     void fileNameIsThatOfQSettings();
     void applicationSettings();
     void callersSettingsStayAlive();
@@ -79,6 +83,37 @@ void tst_Settings::constInterfaceGoesThroughTheOther()
     QCOMPARE(root.getInterface("other"), &root);
     QVERIFY(!root.getInterface(qv::IInterface::ID));
     QCOMPARE(QByteArray::fromStdString(qv::IInterface::ID), QByteArray("qv::IInterface"));
+}
+
+void tst_Settings::operationsKeepTheirSlots_data()
+{
+    using support::slotOf;
+    using Get = qv::IInterface* (qv::IInterface::*)(std::string const&);
+    using ConstGet = qv::IInterface const* (qv::IInterface::*)(std::string const&) const;
+    using Destination = qv::IPersistDestination;
+
+    QTest::addColumn<int>("slot");
+    QTest::addColumn<int>("expected");
+    QTest::newRow("getInterface") << slotOf(static_cast<Get>(&qv::IInterface::getInterface)) << 2;
+    QTest::newRow("getInterface, const") << slotOf(static_cast<ConstGet>(&qv::IInterface::getInterface)) << 3;
+    QTest::newRow("beginGroup") << slotOf(&Destination::beginGroup) << 4;
+    QTest::newRow("endGroup") << slotOf(&Destination::endGroup) << 5;
+    QTest::newRow("beginWriteArray") << slotOf(&Destination::beginWriteArray) << 6;
+    QTest::newRow("beginReadArray") << slotOf(&Destination::beginReadArray) << 7;
+    QTest::newRow("endArray") << slotOf(&Destination::endArray) << 8;
+    QTest::newRow("setArrayIndex") << slotOf(&Destination::setArrayIndex) << 9;
+    QTest::newRow("setValue") << slotOf(&Destination::setValue) << 10;
+    QTest::newRow("value") << slotOf(&Destination::value) << 11;
+    QTest::newRow("remove") << slotOf(&Destination::remove) << 12;
+    QTest::newRow("contains") << slotOf(&Destination::contains) << 13;
+    QTest::newRow("sync") << slotOf(&Destination::sync) << 14;
+    QTest::newRow("fileName is not virtual") << slotOf(&qv::Settings::fileName) << -1;
+}
+
+void tst_Settings::operationsKeepTheirSlots()
+{
+    QFETCH(int, slot);
+    QTEST(slot, "expected");
 }
 
 void tst_Settings::fileNameIsThatOfQSettings()
