@@ -43,6 +43,7 @@ private slots:
     void keysAndTypes();
     void everyShapeComesBack();
     void settingsFileComesBack();
+    void settingsFileReadsSo();
     void savingEndsModification();
     void modificationAfterLoading_data();
     void modificationAfterLoading();
@@ -161,6 +162,21 @@ void tst_FeatureMatrixStore::settingsFileComesBack()
     WholeMatrix loaded(5, 8);
     loaded.load(&destination);
     QCOMPARE(loaded.cells(), cells);
+}
+
+/// docs/formats.md, "The rights matrix"
+void tst_FeatureMatrixStore::settingsFileReadsSo()
+{
+    QTemporaryDir folder;
+    QFile file(folder.filePath(QStringLiteral("rights.ini")));
+    {
+        WholeMatrix saved(2, 3);
+        saved.setAllowed(0, 1, false);
+        qv::Settings destination(file.fileName(), QSettings::IniFormat);
+        saved.save(&destination);
+    }
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), QByteArray("[FeatureMatrix]\nColumns=3\nMatrix=@ByteArray(61+)\nRows=2\n"));
 }
 
 void tst_FeatureMatrixStore::savingEndsModification()
