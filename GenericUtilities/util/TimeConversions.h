@@ -10,7 +10,7 @@
 /// Conversions between calendar time and counts since 1970-01-01 00:00:00 UTC.
 ///
 /// Frame time is the unsigned 64-bit count of microseconds since that moment which stamps video frames. Counts pass
-/// through a 32-bit unsigned count of seconds, so they are exact from 1970 to 2106-02-07 06:28:14 UTC only: a count
+/// through a 32-bit unsigned count of seconds, so they are exact from 1970 to 2106-02-07 06:28:15 UTC only: a count
 /// that lies outside wraps on its way to a date, and a date that lies outside by a second or more (or is invalid)
 /// counts as 2^32 - 1 seconds. All functions are reentrant; local time is that of the process's time zone.
 namespace qv {
