@@ -43,7 +43,8 @@ public:
     /// Deletes all groups.
     virtual ~FeatureMatrix();
 
-    /// Writes the cells into the group "FeatureMatrix"; then the matrix is not modified.
+    /// Writes the cells into the group "FeatureMatrix"; then the matrix is not modified. @p destination, here as below,
+    /// is the caller's and must not be null.
     virtual void save(IPersistDestination* destination) const;
     /// Reads cells as save() wrote them. What was saved for another number of groups is refused with a line in the log
     /// (LogQt, level 3); damaged text gives the cells that it holds, words that are no numbers none allowed.

@@ -27,11 +27,12 @@ GENERICUTILITIES_EXPORT QDateTime fromSeconds(double seconds);
 
 GENERICUTILITIES_EXPORT qint64 toSeconds(QDateTime const& time);
 GENERICUTILITIES_EXPORT qint64 toMilliSeconds(QDateTime const& time);
-/// In steps of a millisecond, as all that follow.
+/// In steps of a millisecond, as all others of a date.
 GENERICUTILITIES_EXPORT qint64 toMicroSeconds(QDateTime const& time);
 GENERICUTILITIES_EXPORT quint64 toFrameTime(QDateTime const& time);
 GENERICUTILITIES_EXPORT qint64 toNanoSeconds(QDateTime const& time);
 GENERICUTILITIES_EXPORT double toSecondsFrac(QDateTime const& time);
+/// To the microsecond, as far as the digits of a double reach.
 GENERICUTILITIES_EXPORT double toSecondsFrac(quint64 const& frameTime);
 
 GENERICUTILITIES_EXPORT qint64 currentSeconds();
@@ -53,6 +54,7 @@ public:
 
     /// The part below a millisecond, 0 to 999.
     int microsecond() const { return m_microsecond; }
+    /// These in local time; days and months count from 1.
     int millisecond() const { return m_millisecond; }
     int second() const { return m_second; }
     int minute() const { return m_minute; }

@@ -12,8 +12,8 @@ namespace qv {
 /// is what the texts are written in. A client's own catalogues are not touched; where they hold a text too, the one
 /// installed last wins.
 ///
-/// Returns false, and leaves the texts English, where there is no catalogue for the language, or no QCoreApplication,
-/// which owns what is loaded. To be called in the application's thread.
+/// Returns false, and leaves the texts English, where there is no catalogue for the language, or where one is wanted
+/// and there is no QCoreApplication, which owns what is loaded. To be called in the application's thread.
 GENERICUTILITIES_EXPORT bool installTranslations(QLocale const& locale = QLocale());
 
 } // namespace qv

@@ -268,6 +268,7 @@ void TranslationsTest::catalogueOfTheClientStays()
 void TranslationsTest::withoutApplication()
 {
     QVERIFY(!installTranslations(QLocale("de_DE")));
+    QVERIFY(installTranslations(QLocale("en_GB"))); // which needs nothing
 }
 
 void TranslationsTest::anotherApplication()
