@@ -22,6 +22,7 @@ public:
     }
     QVariant value(QString const& key, QVariant const& defaultValue) const override
     {
+        m_defaults += defaultValue;
         return m_values.value(m_group + key, defaultValue);
     }
     void remove(QString const& key) override { m_values.remove(m_group + key); }
@@ -30,6 +31,8 @@ public:
 
     QString const& group() const { return m_group; }
     QStringList const& order() const { return m_order; }
+    /// What was to be given for a missing key, one for each that was asked for.
+    QVariantList const& defaults() const { return m_defaults; }
     QVariant stored(QString const& path) const { return m_values.value(path); }
     void store(int rows, int columns, QVariant const& matrix)
     {
@@ -39,6 +42,7 @@ public:
 private:
     QString m_group;
     QStringList m_order;
+    mutable QVariantList m_defaults;
     QMap<QString, QVariant> m_values;
 };
 

@@ -124,6 +124,7 @@ void tst_FeatureMatrixStore::keysAndTypes()
     QCOMPARE(destination.group(), QString());
     WholeMatrix(2, 3).load(&destination);
     QCOMPARE(destination.group(), QString());
+    QCOMPARE(destination.defaults(), QVariantList({QVariant(), QVariant(), QVariant()}));
 }
 
 void tst_FeatureMatrixStore::everyShapeComesBack()
