@@ -159,6 +159,8 @@ void tst_ActionLog::activity()
     QCOMPARE(scene.files(), QStringList());
     scene.log().activate();
     QVERIFY(scene.log().isActive());
+    scene.log().activate();
+    QVERIFY(scene.log().isActive());
     scene.logText(QStringLiteral("one"));
     QCOMPARE(scene.texts(), QStringList({QStringLiteral("one")}));
 }

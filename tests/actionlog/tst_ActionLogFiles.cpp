@@ -20,6 +20,7 @@ private slots:
     void extends();
     void keepsTornTextBesideTheFile_data();
     void keepsTornTextBesideTheFile();
+    void keepsTornTextEncrypted();
     void movesAside_data();
     void movesAside();
     void movesAsideByTheBaseName();
@@ -30,6 +31,7 @@ private slots:
     void refusedEntryMovesNoFile();
     void credentials_data();
     void credentials();
+    void sameCredentialsEndNoFile();
     void tampering_data();
     void tampering();
     void endTagIsWrittenOnlyByWhoWrote();
@@ -129,6 +131,26 @@ void tst_ActionLogFiles::keepsTornTextBesideTheFile()
     QCOMPARE(scene.bytes(torn), QByteArray("<Entry"));
     QCOMPARE(scene.texts(name), QStringList({QStringLiteral("new")}));
     QCOMPARE(scene.files(), QStringList({name, torn}));
+}
+
+void tst_ActionLogFiles::keepsTornTextEncrypted()
+{
+    QString const torn = QStringLiteral("Trail.qvl.torn");
+    QString const password = QStringLiteral("correct horse");
+    Scene scene(password);
+    {
+        qv::FileEncrypt file(scene.path());
+        file.setFileUserPassword({}, password);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(scene::header(scene.path()) + "<Entry");
+    }
+    scene.logText(QStringLiteral("new"));
+    QCOMPARE(scene.texts(), QStringList({QStringLiteral("new")}));
+    QVERIFY(!scene.bytes(torn).contains("<Entry"));
+    qv::FileEncrypt file(scene.path(torn));
+    file.setFileUserPassword({}, password);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), QByteArray("<Entry"));
 }
 
 void tst_ActionLogFiles::movesAside_data()
@@ -279,6 +301,16 @@ void tst_ActionLogFiles::credentials()
     QCOMPARE(scene.bytes(aside), before);
     QCOMPARE(scene.texts(aside), QStringList({QStringLiteral("kept")}));
     QCOMPARE(scene.listed(), QStringList({QStringLiteral("new")}));
+}
+
+void tst_ActionLogFiles::sameCredentialsEndNoFile()
+{
+    Scene scene;
+    scene.log().setFileUserPassword({}, QStringLiteral(""));
+    scene.logText(QStringLiteral("one"));
+    QByteArray const before = scene.bytes();
+    scene.log().setFileUserPassword({}, {});
+    QCOMPARE(scene.bytes(), before);
 }
 
 void tst_ActionLogFiles::tampering_data()
