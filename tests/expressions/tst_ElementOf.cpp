@@ -27,6 +27,8 @@ PropertySet someProperties()
 {
     PropertySet set;
     add<IntProperty>(set, "camera", 2);
+    add<VariantProperty>(set, "highest signed", QVariant(typed::LongMax));
+    add<U64Property>(set, "one more", 1ULL << 63);
     return set;
 }
 
@@ -114,6 +116,10 @@ void TestElementOf::values_data()
     row("behind incomparable candidates", elementOf(value("camera"), {value("missing"), pair, constant(2)}), true);
     row("missing property", elementOf(value("missing"), {constant(2), constant(QString())}), false);
     row("missing property among missing ones", elementOf(value("missing"), {value("gone")}), false);
+    // As doubles the two are the same. A constant meets the type of the other; what is no constant keeps its own.
+    row("constant candidate changes its type", elementOf(value("one more"), {constant(typed::LongMax)}), true);
+    row("constant value changes its type", elementOf(constant(typed::LongMax), {value("one more")}), true);
+    row("references keep their types", elementOf(value("highest signed"), {value("one more")}), false);
     row("list as one candidate", elementOf(value("camera"), {pair}), false);
     row("list among lists", elementOf(pair, {constant(1), pair}), true);
     row("rectangles equal by conversion", elementOf(constant(QRect(1, 2, 3, 4)), {constant(QRect(5, 6, 7, 8))}), true);
