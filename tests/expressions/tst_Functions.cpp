@@ -209,6 +209,7 @@ void TestFunctions::distinct_data()
     row("less than one apart", "count", {1.2, 1.9}, 1);
     row("integer and double", "count", {1, 1.0, 2.0}, 2);
     row("no common type compares as text", "count", {5, Q_UINT64_C(5)}, 1);
+    row("constants keep their types, too", "count", {typed::LongMax, Q_UINT64_C(1) << 63}, 2);
     row("case", "count", {"a", "A"}, 2);
     row("the first of equals is kept", "group_concat", {"a", "b", "a"}, ",a,b");
     row("an operand less", "nullif", {1, 1}, QVariant());
