@@ -53,6 +53,14 @@ namespace {
         return QString::fromLocal8Bit(QByteArray::fromBase64(stored));
     }
 
+    /// Where no number of 32 bits is stored, nothing changes.
+    int numberFrom(IPersistDestination const& from, QLatin1String key, int otherwise)
+    {
+        bool isNumber = false;
+        qint64 const number = from.value(key, otherwise).toLongLong(&isNumber);
+        return isNumber && number == static_cast<int>(number) ? static_cast<int>(number) : otherwise;
+    }
+
     EDurability durabilityFrom(int number)
     {
         bool const isKnown = number >= DurabilityNone && number <= DurabilityData;
@@ -87,13 +95,13 @@ void ActionLog::load(IPersistDestination* destination)
 {
     m_d->call([this, destination] {
         destination->beginGroup(groupName);
-        m_d->splitPolicy = split::policyFrom(destination->value(splitPolicyKey, int(m_d->splitPolicy)).toInt());
-        m_d->splitSize = destination->value(splitSizeKey, m_d->splitSize).toInt();
+        m_d->splitPolicy = split::policyFrom(numberFrom(*destination, splitPolicyKey, m_d->splitPolicy));
+        m_d->splitSize = numberFrom(*destination, splitSizeKey, m_d->splitSize);
         QString const user = destination->value(userKey, m_d->user).toString();
         QVariant const password = destination->value(passwordKey, storedPassword(m_d->password));
         m_d->useCredentials(user, passwordFrom(password.toByteArray()));
         m_d->useFile(loadFile(*destination, m_d->fileInfo));
-        setDurability(durabilityFrom(destination->value(durabilityKey, int(m_d->durability)).toInt()));
+        setDurability(durabilityFrom(numberFrom(*destination, durabilityKey, m_d->durability)));
         destination->endGroup();
     });
 }

@@ -75,13 +75,13 @@ bool ActionLog::Private::tryToLog(LogEntry const& entry)
     } catch (ActionLogFileException const& failure) {
         tell(failure);
         bool const isHeader = failure.type() == ActionLogFileException::InvalidHeader;
-        return !moveBadAside(isHeader ? ".qvl.invalidHeader" : ".qvl.corrupt");
+        return !moveBadAside(isHeader ? ".qvl.invalidHeader" : ".qvl.corrupt", !isHeader);
     } catch (EntryRefusal const& failure) {
         tell(failure);
         return true;
     } catch (ActionLogXmlException const& failure) {
         tell(failure);
-        return !moveBadAside(".qvl.corrupt");
+        return !moveBadAside(".qvl.corrupt", false);
     } catch (std::exception const& failure) {
         // Out of memory, as a rule.
         tell(ActionLogFileException(
@@ -148,13 +148,20 @@ void ActionLog::Private::load()
     m_isLoaded = true;
 }
 
-bool ActionLog::Private::moveBadAside(char const* suffix)
+/// Whether the entry at hand may go into a fresh file. That the bad one stays in its way is told, unless it was
+/// already.
+bool ActionLog::Private::moveBadAside(char const* suffix, bool isRefusalTold)
 {
-    QString const name = split::momentName(actionLogTime()) + QLatin1Char(' ') + fileInfo.baseName();
-    if (!file.isBad() || !file.moveBadAside({name, QLatin1String(suffix)}))
+    if (!file.isBad())
         return false;
-    list.clear();
-    return true;
+    QString const name = split::momentName(actionLogTime()) + QLatin1Char(' ') + fileInfo.baseName();
+    if (file.moveBadAside({name, QLatin1String(suffix)})) {
+        list.clear();
+        return true;
+    }
+    if (!isRefusalTold)
+        tell(file.couldNotOpen());
+    return false;
 }
 
 void ActionLog::Private::tell(ActionLogFileException const& failure)

@@ -58,7 +58,7 @@ private:
     /// Lists what the file holds, up to its damage, which it returns. Leaves a sound file open to be extended.
     std::optional<ActionLogXmlException> read(bool isToBeExtended);
     void logOn();
-    bool moveBadAside(char const* suffix);
+    bool moveBadAside(char const* suffix, bool isRefusalTold);
     void tell(ActionLogFileException const& failure);
     void tell(ActionLogXmlException const& failure);
 

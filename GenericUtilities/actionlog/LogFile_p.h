@@ -72,6 +72,7 @@ public:
     void requireSound(LogFileContent const& content);
     /// Whether what was thrown last is the fault of the file, not of the system; the file is closed then.
     bool isBad() const { return m_isBad; }
+    ActionLogFileException couldNotOpen() const;
     /// Moves the bad file aside as it is. True as well where another one has taken its place.
     bool moveBadAside(AsideName const& name);
     /// Ends the file by its end tag, if it is open, and closes it. What cannot be written then is lost.
@@ -98,7 +99,6 @@ private:
     void keepTorn(FileEncrypt& file);
     void sync();
 
-    ActionLogFileException couldNotOpen() const;
     /// Throws why @p device did not do what was asked for.
     [[noreturn]] void refuse(FileEncrypt& device);
     [[noreturn]] void refuseHeader();

@@ -87,8 +87,8 @@ public:
     /// taken. For load time: the registry is not locked.
     static bool registerExpressionClass(ExpressionHandle prototype);
     /// Writes the record of a node: its class key, then its fields. A tree deeper than MaxDepth is not written at all:
-    /// the stream gets QDataStream::WriteFailed. A constant of a type that docs/formats.md does not list is written,
-    /// but not read back.
+    /// the stream gets QDataStream::WriteFailed. So does it where a constant is written that is not read back, as
+    /// docs/formats.md tells.
     static void writeExpression(QDataStream& out, ExpressionHandle node);
     /// Reads a record. An unknown class key gives the empty handle and leaves the rest of the record unread. A tree
     /// that is nested too deeply, or holds a constant of a type that docs/formats.md does not list, gives the empty

@@ -107,6 +107,8 @@ ExpressionHandle Expression::readExpression(QDataStream& in)
 void ConstExpression::write(QDataStream& out) const
 {
     out << fieldsVersion << m_placeholder << m_value;
+    if (!isReadable(m_value))
+        out.setStatus(QDataStream::WriteFailed);
 }
 
 void ConstExpression::read(QDataStream& in)

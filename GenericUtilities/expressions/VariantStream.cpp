@@ -69,7 +69,7 @@ namespace {
 
     // Many keys of one hash value turn a hash, or a cast to one, into a list that is searched from end to end. The seed
     // of hashes does not prevent that: keys of one length collide for every seed or for none.
-    bool areSpread(QVariantMap const& map)
+    template <class Map> bool areSpread(Map const& map)
     {
         constexpr std::size_t maxEqual = 100;
         auto const seed = static_cast<uint>(qGlobalQHashSeed());
@@ -172,6 +172,41 @@ namespace {
         return row == std::end(storedTypes) ? nullptr : row;
     }
 
+    bool isReadable(QVariant const& value, int containerDepth);
+
+    template <class Container> bool areReadable(QVariant const& container, int depth)
+    {
+        auto const& values = *static_cast<Container const*>(container.constData());
+        return depth < maxContainerDepth && std::all_of(values.cbegin(), values.cend(), [&](auto const& each) {
+            return isReadable(each, depth + 1);
+        });
+    }
+
+    template <class Map> bool isReadableMap(QVariant const& map, int depth)
+    {
+        return areReadable<Map>(map, depth) && areSpread(*static_cast<Map const*>(map.constData()));
+    }
+
+    bool isReadable(QVariant const& value, int containerDepth)
+    {
+        switch (value.userType()) {
+        case QMetaType::UnknownType:
+            return true;
+        case QMetaType::QVariantList:
+            return areReadable<QVariantList>(value, containerDepth);
+        case QMetaType::QVariantMap:
+            return isReadableMap<QVariantMap>(value, containerDepth);
+        case QMetaType::QVariantHash:
+            return isReadableMap<QVariantHash>(value, containerDepth);
+        case QMetaType::QRegExp: {
+            auto const& expression = *static_cast<QRegExp const*>(value.constData());
+            return shapeOf(expression.pattern(), expression.patternSyntax()).isBounded();
+        }
+        default:
+            return storedType(static_cast<quint32>(value.userType()));
+        }
+    }
+
     // Qt 4 counted the types of its core library on from 128; Qt 5 moved them down.
     quint32 currentType(QDataStream const& in, quint32 type)
     {
@@ -242,6 +277,11 @@ bool Reading::allows(double bytes)
     constexpr double maxPatternBytes = 8e6;
     s_state.patternBytes += bytes;
     return s_state.patternBytes <= maxPatternBytes;
+}
+
+bool isReadable(QVariant const& value)
+{
+    return isReadable(value, 0);
 }
 
 QVariant readVariant(QDataStream& in)

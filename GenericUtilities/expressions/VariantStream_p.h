@@ -33,6 +33,10 @@ private:
 /// stands.
 QVariant readVariant(QDataStream& in);
 
+/// Whether readVariant() takes what QDataStream writes of @p value; of regular expressions in one tree it takes only as
+/// many as Reading allows.
+bool isReadable(QVariant const& value);
+
 /// Reads a QDateTime as QDataStream's own operator does. A kind of clock or a zone that Qt does not know sets
 /// QDataStream::ReadCorruptData.
 QDateTime readDateTime(QDataStream& in);

@@ -81,6 +81,8 @@ private slots:
     void pathAloneCounts();
     void loadsThroughSettings();
     void whatIsNotStoredStays();
+    void whatIsNoNumberChangesNothing_data();
+    void whatIsNoNumberChangesNothing();
     void numbersWithoutMeaning_data();
     void numbersWithoutMeaning();
 };
@@ -270,13 +272,35 @@ void tst_ActionLogConfiguration::whatIsNotStoredStays()
     QCOMPARE(scene.texts(), QStringList({QStringLiteral("one"), QStringLiteral("two")}));
 }
 
+void tst_ActionLogConfiguration::whatIsNoNumberChangesNothing_data()
+{
+    QTest::addColumn<QVariant>("stored");
+    QTest::newRow("text") << QVariant(QStringLiteral("monthly"));
+    QTest::newRow("empty text") << QVariant(QString());
+    QTest::newRow("number beyond 32 bits") << QVariant(QStringLiteral("4294967296"));
+    QTest::newRow("list") << QVariant(QStringList{QStringLiteral("1"), QStringLiteral("2")});
+    QTest::newRow("no value") << QVariant();
+}
+
+void tst_ActionLogConfiguration::whatIsNoNumberChangesNothing()
+{
+    QFETCH(QVariant, stored);
+    Scene scene;
+    scene.log().setSplitPolicy(qv::SplitBySize, 5000);
+    scene.log().setDurability(qv::DurabilityData);
+    Record record({{key("SplitState"), stored}, {key("SplitSize"), stored}, {key("Durability"), stored}});
+    scene.log().load(&record);
+    QCOMPARE(scene.log().splitPolicy(), qv::SplitBySize);
+    QCOMPARE(scene.log().splitSize(), 5000);
+    QCOMPARE(scene.log().durability(), qv::DurabilityData);
+}
+
 void tst_ActionLogConfiguration::numbersWithoutMeaning_data()
 {
     QTest::addColumn<QVariant>("stored");
     QTest::newRow("unknown") << QVariant(77);
     QTest::newRow("negative") << QVariant(-1);
     QTest::newRow("two policies at a time") << QVariant(3);
-    QTest::newRow("text") << QVariant(QStringLiteral("monthly"));
 }
 
 void tst_ActionLogConfiguration::numbersWithoutMeaning()

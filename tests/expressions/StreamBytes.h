@@ -30,13 +30,24 @@ inline QByteArray constantRecord(QByteArray const& variant)
     return record("0000001a", "N5qvgen15ConstExpressionE", "00000001 00") + variant;
 }
 
-inline QByteArray written(qvgen::ExpressionHandle const& tree, int version)
+struct Writing {
+    QByteArray bytes;
+    QDataStream::Status status;
+};
+
+inline Writing write(qvgen::ExpressionHandle const& tree, int version)
 {
     QByteArray bytes;
     QDataStream out(&bytes, QIODevice::WriteOnly);
     out.setVersion(version);
     out << tree;
-    return out.status() == QDataStream::Ok ? bytes : QByteArray("not written");
+    return {bytes, out.status()};
+}
+
+inline QByteArray written(qvgen::ExpressionHandle const& tree, int version)
+{
+    Writing const writing = write(tree, version);
+    return writing.status == QDataStream::Ok ? writing.bytes : QByteArray("not written");
 }
 
 struct Reading {

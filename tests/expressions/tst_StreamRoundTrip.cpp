@@ -56,6 +56,14 @@ bool isSame(QVariant const& a, QVariant const& b)
     return a.userType() == b.userType() && a.isNull() == b.isNull() && a == b;
 }
 
+QVariant nestedLists(int depth)
+{
+    QVariant value = 1;
+    for (int i = 0; i < depth; ++i)
+        value = QVariantList{value};
+    return value;
+}
+
 // A device that cannot tell its size: nothing may rely on it.
 class Pipe : public QIODevice {
 public:
@@ -93,6 +101,7 @@ private slots:
     void versionsBeforeQt4AreRefused();
     void refusedTypes_data();
     void refusedTypes();
+    void largestContainers();
     void hashOfManyEntries();
     void nullFlagIsKeptBesideAValue();
     void lastOfEqualKeysStands_data();
@@ -190,6 +199,16 @@ void TestStreamRoundTrip::refusedTypes_data()
     QTest::newRow("point in a list") << QVariant(QVariantList{1, QPoint(1, 2)});
     QTest::newRow("point in a map") << QVariant(QVariantMap{{"a", QPoint(1, 2)}});
     QTest::newRow("point in a hash in a list") << QVariant(QVariantList{QVariantHash{{"a", QPoint(1, 2)}}});
+    QTest::newRow("lists 101 deep") << nestedLists(101);
+    QTest::newRow("pattern of 1025 characters") << QVariant(QRegExp(QString(1025, QLatin1Char('a'))));
+}
+
+void TestStreamRoundTrip::largestContainers()
+{
+    QVariant const lists = nestedLists(100);
+    QCOMPARE(valueReadBack(lists, Recent), lists);
+    QVariant const pattern = QRegExp(QString(1024, QLatin1Char('a')));
+    QCOMPARE(valueReadBack(pattern, Recent), pattern);
 }
 
 void TestStreamRoundTrip::refusedTypes()
@@ -197,7 +216,9 @@ void TestStreamRoundTrip::refusedTypes()
     QFETCH(QVariant, value);
     for (int const version : {Old, Recent}) {
         ExpressionHandle const tree = nodes::value("a") == 1 && constant(value);
-        Reading const reading = stream::read(stream::written(tree, version), version);
+        stream::Writing const writing = stream::write(tree, version);
+        QCOMPARE(writing.status, QDataStream::WriteFailed);
+        Reading const reading = stream::read(writing.bytes, version);
         QCOMPARE(reading.status, QDataStream::ReadCorruptData);
         QVERIFY(stream::isEmptyHandle(reading.tree));
     }

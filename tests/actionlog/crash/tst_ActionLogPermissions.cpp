@@ -152,7 +152,7 @@ void tst_ActionLogPermissions::permissions_data()
     QTest::newRow("folder that may not be written, no file")
         << QByteArray() << 0644 << 0555 << 0 << "file 1, file 1" << true << false;
     QTest::newRow("folder that may not be written, damaged file")
-        << whole + "text" << 0644 << 0555 << 0 << "xml, xml" << true << true;
+        << whole + "text" << 0644 << 0555 << 0 << "xml, file 1, xml, file 1" << true << true;
     QTest::newRow("folder that may not be entered") << whole << 0644 << 0000 << 0 << "file 1, file 1" << true << false;
 }
 
