@@ -56,8 +56,8 @@ public:
     /// Reads the file anew into the list. Damage is told by errorXml(), a file that cannot be read by errorFile();
     /// the entries before the damage are listed, and nothing is moved or changed.
     void readLog();
-    /// The same, with QIODevice::ReadWrite leaving the file open to be extended. False where it cannot be opened or its
-    /// header is refused. Throws ActionLogXmlException where it is damaged.
+    /// The same, with QIODevice::ReadWrite leaving the file open to be extended. False where it cannot be opened, its
+    /// header is refused or @p mode is not for reading. Throws ActionLogXmlException where it is damaged.
     bool readEntries(QIODevice::OpenMode mode);
 
     /// The entries in memory, which are those of the current file, oldest first: of what other processes write to it

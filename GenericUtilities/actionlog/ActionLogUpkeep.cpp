@@ -71,6 +71,8 @@ void ActionLog::Private::readLog()
 
 bool ActionLog::Private::readEntries(QIODevice::OpenMode mode, std::optional<ActionLogXmlException>& damage)
 {
+    if (!(mode & QIODevice::ReadOnly))
+        return false;
     try {
         damage = read(mode & QIODevice::WriteOnly);
         return true;

@@ -49,8 +49,8 @@ public:
 };
 
 /// A destination backed by a QSettings: each operation is that of QSettings, and so are errors and thread-safety.
-/// A file of settings is trusted as the program itself: what it has for a list within lists, or for their length,
-/// QSettings reads whatever the stack and the memory hold. Nobody but the user may be able to write it.
+/// A file of settings is trusted as the program itself: QSettings follows lists within lists to any depth and believes
+/// any length, so that who can write the file can end the process. Nobody but the user may be able to.
 class GENERICUTILITIES_EXPORT Settings : public IPersistDestination {
 public:
     /// The settings of the running application, for this user.

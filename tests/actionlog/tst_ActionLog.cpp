@@ -220,6 +220,8 @@ void tst_ActionLog::readEntries_data()
     QTest::newRow("empty file, to be extended") << QByteArray() << int(QIODevice::ReadWrite) << true << QStringList();
     QTest::newRow("ended file") << whole << int(QIODevice::ReadOnly) << true << one;
     QTest::newRow("ended file, to be extended") << whole << int(QIODevice::ReadWrite) << true << one;
+    QTest::newRow("not to be opened") << whole << int(QIODevice::NotOpen) << false << QStringList();
+    QTest::newRow("only to be written") << whole << int(QIODevice::WriteOnly) << false << QStringList();
     QTest::newRow("file without its end tag") << whole.chopped(12) << int(QIODevice::ReadOnly) << true << one;
     QTest::newRow("unknown entries are left out")
         << scene::header(QStringLiteral("/Trail.qvl")) + "<Entry ID=\"Unkn\"/>" + scene::element(QStringLiteral("one"))
