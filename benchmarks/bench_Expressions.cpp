@@ -16,17 +16,19 @@ namespace {
 
 using namespace qvgen;
 
-/// As a recording has them: eighteen properties, four of which the conditions ask for.
+/// As a recording has them: eighteen properties, five of which the conditions ask for.
 PropertySet recording()
 {
     PropertySet set;
     auto const add = [&set](BaseProperty* property) { set.add(qvm::smart<BaseProperty>(property)); };
-    for (int i = 0; i < 14; ++i)
+    for (int i = 0; i < 13; ++i)
         add(new StringProperty(QStringLiteral("other%1").arg(i), QString(), QStringLiteral("value")));
     add(new IntProperty("minutes", "length of the recording", 42));
     add(new StringProperty("camera", "where it was made", "Gate 3"));
     add(new IntProperty("size", "kilobytes", 1234567));
-    add(new DateTimeProperty("begin", "first picture", QDateTime(QDate(2026, 11, 21), QTime(10, 11, 12))));
+    QDateTime const begin(QDate(2026, 11, 21), QTime(10, 11, 12));
+    add(new DateTimeProperty("begin", "first picture, local time", begin));
+    add(new DateTimeProperty("utcBegin", "first picture", QDateTime(begin.date(), begin.time(), Qt::UTC)));
     return set;
 }
 
@@ -43,11 +45,21 @@ ExpressionHandle cameras(PropertySet const& set)
     return cameras;
 }
 
-ExpressionHandle day(PropertySet const& set)
+ExpressionHandle during(PropertySet const& set, QString const& name, Qt::TimeSpec clock)
 {
     QTime const midnight(0, 0);
-    return set["begin"] >= QDateTime(QDate(2026, 11, 21), midnight)
-        && set["begin"] < QDateTime(QDate(2026, 11, 22), midnight);
+    return set[name] >= QDateTime(QDate(2026, 11, 21), midnight, clock)
+        && set[name] < QDateTime(QDate(2026, 11, 22), midnight, clock);
+}
+
+ExpressionHandle day(PropertySet const& set)
+{
+    return during(set, QStringLiteral("begin"), Qt::LocalTime);
+}
+
+ExpressionHandle utcDay(PropertySet const& set)
+{
+    return during(set, QStringLiteral("utcBegin"), Qt::UTC);
 }
 
 ExpressionHandle name(PropertySet const& set)
@@ -79,6 +91,7 @@ void evaluate(benchmark::State& state, Condition make)
 BENCHMARK_CAPTURE(evaluate, minutes, minutes);
 BENCHMARK_CAPTURE(evaluate, cameras, cameras);
 BENCHMARK_CAPTURE(evaluate, day, day);
+BENCHMARK_CAPTURE(evaluate, utc_day, utcDay);
 BENCHMARK_CAPTURE(evaluate, name, name);
 BENCHMARK_CAPTURE(evaluate, rate, rate);
 BENCHMARK_CAPTURE(evaluate, all, all);
