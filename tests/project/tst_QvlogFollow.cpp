@@ -21,6 +21,7 @@ private slots:
     void damageIsToldOnce();
     void splitBySize_data();
     void splitBySize();
+    void splitsWithoutPause();
     void severalSplitsAtOnce();
     void filesOfOtherLogsAreLeftOut();
     void switchedLog();
@@ -226,6 +227,22 @@ void QvlogFollowTest::splitBySize()
     }
     QVERIFY(QDir().entryList({"*.qvl"}).size() > 3);
     QTRY_COMPARE_WITH_TIMEOUT(following.texts(), numbers(1, 200), 20000);
+}
+
+// While the tool looks, too.
+void QvlogFollowTest::splitsWithoutPause()
+{
+    QvlogScene scene;
+    Writer writer(scene);
+    writer.log().setSplitPolicy(qv::SplitBySize, 400);
+    writer.write(0, 0);
+    Following following;
+    FOLLOW(following);
+    for (int i = 1; i <= 600; ++i) {
+        writer.write(i, i);
+        QTest::qSleep(3);
+    }
+    QTRY_COMPARE_WITH_TIMEOUT(following.texts(), numbers(1, 600), 20000);
 }
 
 // Faster than anyone can look.

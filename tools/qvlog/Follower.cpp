@@ -87,10 +87,16 @@ template <typename Read> bool Follower::succeeds(QString const& name, Read const
     return false;
 }
 
-void Follower::reopen(QString const& name)
+/// Leaves the reader null where another file has taken the name meanwhile: the next look finds this one by its new
+/// name.
+void Follower::reopen(QString const& name, FileState const& now)
 {
     m_reader.reset();
     Reader reader = open(name);
+    if (!FileState::of(name).isSameFile(now)) {
+        m_state.modified = {};
+        return;
+    }
     for (qint64 passed = 0; reader && passed < m_done && reader->next(); ++passed) { }
     m_reader = std::move(reader);
 }
@@ -113,14 +119,14 @@ void Follower::readOn(QString const& name, FileState const& now)
     bool const hasChanged = !now.isUnchanged(m_state);
     bool const isPast = !m_reader || m_reader->hasEnded() || now.size < m_state.size;
     m_state = now;
-    if (hasChanged && isPast && !succeeds(name, [&] { reopen(name); }))
+    if (hasChanged && isPast && !succeeds(name, [&] { reopen(name, now); }))
         return;
     try {
         readNew();
     } catch (DamageException const&) {
         // Half an entry that a crash has left may have been cut off where the reader stood.
         auto const readAgain = [&] {
-            reopen(name);
+            reopen(name, now);
             readNew();
         };
         if (!succeeds(name, readAgain))
@@ -142,27 +148,31 @@ void Follower::goOnInFreshFile(FileState const& fresh)
 {
     Reader reader;
     bool const isOpen = succeeds(m_path, [&] { reader = open(m_path); });
+    QVector<FolderFile> const files = logFilesBeside(m_path);
+    // As long as the path still names the fresh file, the others are older.
     if (!isOpen || !reader || !FileState::of(m_path).isSameFile(fresh))
         return;
-    readFilesBefore(*reader, fresh);
+    readFilesBefore(files, *reader, fresh);
     m_reader = std::move(reader);
     m_state = fresh;
     m_done = 0;
     m_folder = {};
+    m_known.insert(fresh.identity());
     tell(m_path);
     readOn(m_path, fresh);
     noteFolder();
 }
 
 /// Those that were begun and moved aside between two looks at the path.
-void Follower::readFilesBefore(EntryReader const& freshReader, FileState const& fresh)
+void Follower::readFilesBefore(QVector<FolderFile> const& files, EntryReader const& freshReader, FileState const& fresh)
 {
     QStringList between;
-    for (FolderFile const& file : logFilesBeside(m_path)) {
+    for (FolderFile const& file : files) {
         bool const isNew = !m_known.contains(file.state.identity()) && !file.state.isSameFile(m_state)
             && !file.state.isSameFile(fresh);
         if (isNew && isOfThisLog(file.path, freshReader))
             between += file.path;
+        m_known.insert(file.state.identity());
     }
     for (QString const& path : between.isEmpty() ? QStringList() : sourceFiles(between, m_access)) {
         tell(path);
@@ -214,7 +224,7 @@ void Follower::goOnWhereSwitched()
         m_done = place;
         m_folder = {};
         tell(m_path);
-        if (succeeds(m_path, [&] { reopen(m_path); }))
+        if (succeeds(m_path, [&] { reopen(m_path, file.state); }))
             readOn(m_path, file.state);
         return noteFolder();
     }

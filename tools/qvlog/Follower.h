@@ -29,12 +29,12 @@ private:
     using Reader = std::unique_ptr<EntryReader>;
 
     Reader open(QString const& path) const;
-    void reopen(QString const& name);
+    void reopen(QString const& name, FileState const& now);
     void readOn(QString const& name, FileState const& now);
     void readNew();
     void finish();
     void goOnInFreshFile(FileState const& fresh);
-    void readFilesBefore(EntryReader const& freshReader, FileState const& fresh);
+    void readFilesBefore(QVector<FolderFile> const& files, EntryReader const& freshReader, FileState const& fresh);
     bool isOfThisLog(QString const& path, EntryReader const& freshReader) const;
     void noteFolder();
     void goOnWhereSwitched();
@@ -52,7 +52,7 @@ private:
     QDateTime m_lastTime; ///< Of the last entry.
     FileState m_folder;
     QSet<QPair<quint64, quint64>>
-        m_known; ///< Log files that were in the folder before the present one was moved aside.
+        m_known; ///< Log files that are read, or were in the folder before the present one was moved aside.
     int m_patience = 0; ///< Calls of advance() before a switch is looked for again.
     QString m_told; ///< The last failure, so that it is told once.
 };
